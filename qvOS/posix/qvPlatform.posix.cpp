@@ -1,0 +1,14 @@
+#include "qvOS/qvPlatform.h"
+
+#include <stdlib.h>
+
+#include "qvraTools/qvMalloc.h"
+
+char* qvPlatform_getenv(const char* aName) { return aName != NULL ? qvStrdup(getenv(aName)) : NULL; }
+
+int qvPlatform_setenv(const char* aName, const char* aValue) {
+  if (aName == NULL || aValue == NULL) {
+    return -1;
+  }
+  return setenv(aName, aValue, 1);
+}
