@@ -1,0 +1,216 @@
+#include "qvOS/qvSemaphore.h"
+
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <pthread.h>
+#include <sched.h>
+#include <signal.h>
+#include <stddef.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <type_traits>
+
+#include "qvOS/qvSemaphore_p.h"
+#include "support/ChildProcess.h"
+#include "support/Sanitizers.h"
+
+namespace {
+
+const char kBadHandle[] = "((aSemaphore) != NULL) && ((aSemaphore)->_mMagicNumber == (0xFEEDFADE))";
+const char kSource[] = "qvSemaphore.posix";
+constexpr uint32 kVeryLongMs = 60000;
+
+struct SemaphoreDeleter {
+  void operator()(qvOSSemaphore* aSemaphore) const { qvSemaphore_Delete(aSemaphore); }
+};
+using SemaphorePtr = std::unique_ptr<qvOSSemaphore, SemaphoreDeleter>;
+
+SemaphorePtr NewSemaphore(int anInitialValue) { return SemaphorePtr(qvSemaphore_New(anInitialValue)); }
+
+// Runs aWait on another thread and interrupts it with signals until it returns. Gives its result.
+int InterruptUntilItReturns(const std::function<int()>& aWait) {
+  struct sigaction theAction = {};
+  theAction.sa_handler = [](int) {};  // no SA_RESTART: a wait that is interrupted returns
+  sigaction(SIGUSR1, &theAction, nullptr);
+  std::atomic<bool> theDone(false);
+  int theResult = -1;
+  std::thread theWaiter([&] {
+    theResult = aWait();
+    theDone = true;
+  });
+  while (!theDone) {
+    pthread_kill(theWaiter.native_handle(), SIGUSR1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  theWaiter.join();
+  return theResult;
+}
+
+}  // namespace
+
+TEST(qvSemaphore, StatusCodesHaveTheirValues) {
+  EXPECT_EQ(0, qvSemaphore_Status_NoError);
+  EXPECT_EQ(1, qvSemaphore_Status_TimeOut);
+  EXPECT_EQ(2, qvSemaphore_Status_Error);
+}
+
+TEST(qvSemaphore, MagicNumberHasItsValue) { EXPECT_EQ(0xFEEDFADEu, kqvSemaphore_Magic); }
+
+TEST(qvSemaphore, FieldsAreInTheDocumentedOrderAndWidth) {
+  EXPECT_EQ(0u, offsetof(qvSemaphore_t, _mMagicNumber));
+  EXPECT_LT(offsetof(qvSemaphore_t, _mMagicNumber), offsetof(qvSemaphore_t, mSemaphore));
+  EXPECT_TRUE((std::is_same<decltype(qvSemaphore_t::_mMagicNumber), uint32>::value));
+  EXPECT_TRUE((std::is_same<decltype(qvSemaphore_t::mSemaphore), sem_t>::value));
+}
+
+TEST(qvSemaphore, ANewSemaphoreIsAliveAndHoldsItsInitialValue) {
+  SemaphorePtr theSemaphore = NewSemaphore(2);
+  ASSERT_NE(nullptr, theSemaphore);
+  EXPECT_EQ(0xFEEDFADEu, theSemaphore->_mMagicNumber);
+  EXPECT_EQ(0, qvSemaphore_TryWait(theSemaphore.get()));
+  EXPECT_EQ(0, qvSemaphore_TryWait(theSemaphore.get()));
+  EXPECT_EQ(1, qvSemaphore_TryWait(theSemaphore.get()));
+}
+
+TEST(qvSemaphore, AnInitialValueThatTheSystemRefusesGivesNull) {
+  EXPECT_EQ(nullptr, qvSemaphore_New(-1));
+  EXPECT_EQ(nullptr, qvSemaphore_New(INT_MIN));
+}
+
+TEST(qvSemaphore, DeletingNullIsHarmless) {
+  ChildResult theResult = RunInChild([] { qvSemaphore_Delete(nullptr); });
+  EXPECT_EQ(0, theResult.mExitCode);
+}
+
+TEST(qvSemaphore, PostAddsOneCount) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  EXPECT_EQ(0, qvSemaphore_Post(theSemaphore.get()));
+  EXPECT_EQ(0, qvSemaphore_TryWait(theSemaphore.get()));
+  EXPECT_EQ(1, qvSemaphore_TryWait(theSemaphore.get()));
+}
+
+TEST(qvSemaphore, PostBeyondTheHighestCountIsAnError) {
+  SemaphorePtr theSemaphore = NewSemaphore(INT_MAX);
+  ASSERT_NE(nullptr, theSemaphore);
+  EXPECT_EQ(2, qvSemaphore_Post(theSemaphore.get()));
+}
+
+TEST(qvSemaphore, WaitTakesAPostedCountAtOnce) {
+  SemaphorePtr theSemaphore = NewSemaphore(1);
+  EXPECT_EQ(0, qvSemaphore_Wait(theSemaphore.get()));
+  EXPECT_EQ(1, qvSemaphore_TryWait(theSemaphore.get()));
+}
+
+TEST(qvSemaphore, WaitIsEndedByThePostOfAnotherThread) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  std::thread thePoster([&] { qvSemaphore_Post(theSemaphore.get()); });
+  EXPECT_EQ(0, qvSemaphore_Wait(theSemaphore.get()));
+  thePoster.join();
+}
+
+TEST(qvSemaphore, AnInterruptedWaitIsAnErrorAndIsNotResumed) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  EXPECT_EQ(2, InterruptUntilItReturns([&] { return qvSemaphore_Wait(theSemaphore.get()); }));
+}
+
+TEST(qvSemaphore, TryWaitOnAZeroSemaphoreReturnsTimeOutAndNotError) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  EXPECT_EQ(1, qvSemaphore_TryWait(theSemaphore.get()));
+}
+
+TEST(qvSemaphore, WaitTimeoutOfZeroOnAZeroSemaphoreReturnsTimeOut) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  EXPECT_EQ(1, qvSemaphore_WaitTimeout(theSemaphore.get(), 0));
+}
+
+TEST(qvSemaphore, WaitTimeoutOfZeroTakesAPostedCount) {
+  SemaphorePtr theSemaphore = NewSemaphore(1);
+  EXPECT_EQ(0, qvSemaphore_WaitTimeout(theSemaphore.get(), 0));
+  EXPECT_EQ(1, qvSemaphore_TryWait(theSemaphore.get()));
+}
+
+TEST(qvSemaphore, WaitTimeoutWaitsForItsDelayLessAtMostAMillisecond) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  auto theStart = std::chrono::steady_clock::now();
+  EXPECT_EQ(1, qvSemaphore_WaitTimeout(theSemaphore.get(), 60));
+  auto theSpan = std::chrono::steady_clock::now() - theStart;
+  // One more millisecond of tolerance, because the two clocks are not the same.
+  EXPECT_GE(theSpan, std::chrono::milliseconds(58));
+}
+
+TEST(qvSemaphore, WaitTimeoutIsEndedByThePostOfAnotherThread) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  std::thread thePoster([&] { qvSemaphore_Post(theSemaphore.get()); });
+  EXPECT_EQ(0, qvSemaphore_WaitTimeout(theSemaphore.get(), kVeryLongMs));
+  thePoster.join();
+}
+
+TEST(qvSemaphore, AnInterruptedWaitTimeoutIsAnErrorAndIsNotResumed) {
+  SemaphorePtr theSemaphore = NewSemaphore(0);
+  EXPECT_EQ(
+      2, InterruptUntilItReturns([&] { return qvSemaphore_WaitTimeout(theSemaphore.get(), kVeryLongMs); }));
+}
+
+TEST(qvSemaphore, DeadlineCountsInWholeMilliseconds) {
+  struct Case {
+    long mNowSeconds;
+    long mNowNanoseconds;
+    uint32 mDelay;
+    long mSeconds;
+    long mNanoseconds;
+    const char* mWhy;
+  };
+  const Case kCases[] = {
+      {100, 0, 0, 100, 0, "no delay"},
+      {100, 999999, 0, 100, 0, "below a millisecond is dropped"},
+      {100, 1999999, 5, 100, 6000000, "dropped before the delay is added"},
+      {100, 999000000, 1, 101, 0, "carry into the seconds"},
+      {100, 999999999, 0, 100, 999000000, "the last nanosecond of a second stays in it"},
+      {100, 500000000, 1500, 102, 0, "seconds and milliseconds of the delay"},
+      {0, 0, 4294967295u, 4294967, 295000000, "the longest delay does not wrap"},
+      {1000000000, 0, 4294967295u, 1004294967, 295000000, "the longest delay from a recent time"},
+  };
+  for (const Case& theCase : kCases) {
+    struct timespec theNow = {};
+    theNow.tv_sec = theCase.mNowSeconds;
+    theNow.tv_nsec = theCase.mNowNanoseconds;
+    struct timespec theDeadline = {};
+    qvSemaphore_S_MakeDeadline(&theNow, theCase.mDelay, &theDeadline);
+    EXPECT_EQ(theCase.mSeconds, theDeadline.tv_sec) << theCase.mWhy;
+    EXPECT_EQ(theCase.mNanoseconds, theDeadline.tv_nsec) << theCase.mWhy;
+  }
+}
+
+TEST(qvSemaphore, EveryOperationAssertsOnNull) {
+  qvOSSemaphore* theNull = nullptr;
+  EXPECT_QV_ASSERTION(qvSemaphore_Post(theNull), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_Wait(theNull), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_TryWait(theNull), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_WaitTimeout(theNull, 0), kBadHandle, kSource);
+}
+
+TEST(qvSemaphore, EveryOperationAssertsOnAnObjectWithoutTheMagicNumber) {
+  qvSemaphore_t theCleared = {};  // as a deleted semaphore is
+  EXPECT_QV_ASSERTION(qvSemaphore_Delete(&theCleared), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_Post(&theCleared), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_Wait(&theCleared), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_TryWait(&theCleared), kBadHandle, kSource);
+  EXPECT_QV_ASSERTION(qvSemaphore_WaitTimeout(&theCleared, 0), kBadHandle, kSource);
+}
+
+TEST(qvSemaphore, UsingADeletedHandleAsserts) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer reports the use of freed memory itself";
+  }
+  EXPECT_QV_ASSERTION(
+      {
+        qvOSSemaphore* theSemaphore = qvSemaphore_New(0);
+        qvSemaphore_Delete(theSemaphore);
+        qvSemaphore_Post(theSemaphore);
+      },
+      kBadHandle, kSource);
+}
