@@ -1,0 +1,26 @@
+/* qvFile_p.h - what the sources of qvFile and qvDir share. */
+#ifndef QVOS_QVFILE_P_H
+#define QVOS_QVFILE_P_H
+
+#include "qvOS/qvPath.h"
+#include "qvraTools/qvMalloc.h"
+
+/* The kqvFileError code for a value of errno; 0 for 0. */
+int PosixErrorToQvFileError(int anErrno);
+
+/* A caller's path as the system takes it; Get gives null when there is none. */
+class qvNativePath {
+ public:
+  explicit qvNativePath(const char* aPath, int afDir = 0)
+      : mPath(qvPath_Normalize(aPath, afDir, kqvPathNormalizeMode_Native, NULL)) {}
+  ~qvNativePath() { qvFree(mPath); }
+  qvNativePath(const qvNativePath&) = delete;
+  qvNativePath& operator=(const qvNativePath&) = delete;
+
+  char* Get() const { return mPath; }
+
+ private:
+  char* mPath;
+};
+
+#endif
