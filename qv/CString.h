@@ -189,7 +189,8 @@ class QVLOG_API qvCString {
   void UngetWriteBuf();
   void UngetWriteBuf(size_t aLength);
 
-  /* Makes room for aLength characters and keeps the text; does nothing when there is more room already. */
+  /* Makes room for aLength characters and keeps the text; does nothing when there is more room already.
+   * For an empty string a length of 0 fails an assertion. */
   void Alloc(size_t aLength);
 
   /* --- Appending --- */
@@ -199,9 +200,7 @@ class QVLOG_API qvCString {
     return *this;
   }
   qvCString& operator+=(const char* aStr) {
-    if (aStr != NULL) {
-      ConcatSelf(strlen(aStr), aStr, npos);
-    }
+    ConcatSelf(LengthOf(aStr), aStr, npos);
     return *this;
   }
   /* One byte, '\0' included. */
@@ -404,11 +403,22 @@ class QVLOG_API qvCString {
     }
   }
 
+  static size_t LengthOf(const char* aStr) { return aStr != NULL ? strlen(aStr) : 0; }
+
+  /* The sum, or npos (which no block can hold) where it does not fit. */
+  static size_t JoinedLength(size_t aLength, size_t anOtherLength) {
+    return anOtherLength <= npos - aLength ? aLength + anOtherLength : npos;
+  }
+
   void GrowBlock(size_t aLength);
   void Wrap(const char* aStr, uint32 aSentinel);
   void Splice(size_t aPos, size_t aLength, const char* aStr, size_t aStrLength);
   size_t FindBytes(const char* aBytes, size_t aLength, size_t aStartPos) const;
   size_t FindLastBytes(const char* aBytes, size_t aLength, size_t aStartPos) const;
+  qvCString AfterFirstBytes(const char* aBytes, size_t aLength) const;
+  qvCString BeforeFirstBytes(const char* aBytes, size_t aLength) const;
+  qvCString AfterLastBytes(const char* aBytes, size_t aLength) const;
+  qvCString BeforeLastBytes(const char* aBytes, size_t aLength) const;
   void KeepPrintable();
 };
 

@@ -49,7 +49,7 @@ class QVLOG_API qvGrowingBuffer {
   /* Makes the block exactly aSize bytes, larger or smaller, and all of it used. */
   void Reduce(size_t aSize);
 
-  /* Makes the block exactly aSize bytes; the number of bytes used stays as it is. Never go below it. */
+  /* Makes the block exactly aSize bytes; the number of bytes used stays as it is, in a smaller block too. */
   void Realloc(size_t aSize);
 
   /* Gives the block to the caller, who releases it with qvFree, and stores the number of bytes used in

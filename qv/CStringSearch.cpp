@@ -1,0 +1,153 @@
+// The searches and comparisons of qvCString. All of them work on lengths, so zero bytes may stand inside.
+#include <ctype.h>
+
+#include <algorithm>
+
+#include "qv/CString.h"
+
+static int qvCString_S_Lower(char aChar) { return tolower(static_cast<unsigned char>(aChar)); }
+
+size_t qvCString::FindBytes(const char* aBytes, size_t aLength, size_t aStartPos) const {
+  if (aLength == 0 || aStartPos >= length()) {
+    return npos;
+  }
+  const void* thePtr = memmem(mStringPtr + aStartPos, length() - aStartPos, aBytes, aLength);
+  return thePtr != NULL ? static_cast<size_t>(static_cast<const char*>(thePtr) - mStringPtr) : npos;
+}
+
+size_t qvCString::FindLastBytes(const char* aBytes, size_t aLength, size_t aStartPos) const {
+  if (aLength == 0 || aLength > length()) {
+    return npos;
+  }
+  size_t theEnd = std::min(aStartPos, length() - aLength) + 1;  // occurrences begin before it
+  while (theEnd > 0) {
+    const void* thePtr = memrchr(mStringPtr, aBytes[0], theEnd);
+    if (thePtr == NULL) {
+      break;
+    }
+    theEnd = static_cast<size_t>(static_cast<const char*>(thePtr) - mStringPtr);
+    if (memcmp(thePtr, aBytes, aLength) == 0) {
+      return theEnd;
+    }
+  }
+  return npos;
+}
+
+size_t qvCString::Find(const qvCString& aCString, size_t aStartPos) const {
+  qvAssert(aCString.mCStringData->IsValid());
+  return FindBytes(aCString.mStringPtr, aCString.length(), aStartPos);
+}
+
+size_t qvCString::FindFirstStr(const char* aStr, size_t aStartPos) const {
+  return FindBytes(aStr, LengthOf(aStr), aStartPos);
+}
+
+size_t qvCString::FindLastStr(const char* aStr, size_t aStartPos) const {
+  if (aStartPos != npos) {
+    qvAssert(aStartPos <= length());
+  }
+  return FindLastBytes(aStr, LengthOf(aStr), aStartPos);
+}
+
+static bool qvCString_S_EqualNoCase(const char* aStr, const char* anOtherStr, size_t aLength) {
+  return std::equal(aStr, aStr + aLength, anOtherStr, [](char aChar, char anOtherChar) {
+    return qvCString_S_Lower(aChar) == qvCString_S_Lower(anOtherChar);
+  });
+}
+
+size_t qvCString::FindNoCase(const qvCString& aCString, size_t aStartPos) const {
+  qvAssert(aCString.mCStringData->IsValid());
+  qvAssert(aStartPos <= length());
+  const size_t theLength = aCString.length();
+  if (theLength == 0) {
+    return npos;
+  }
+  for (size_t thePos = aStartPos; theLength <= length() - thePos; ++thePos) {
+    if (qvCString_S_EqualNoCase(mStringPtr + thePos, aCString.mStringPtr, theLength)) {
+      return thePos;
+    }
+  }
+  return npos;
+}
+
+// The first of the bytes from aBegin on whose being in aSet is afIn; anEnd without one.
+static size_t qvCString_S_Scan(const char* aStr, size_t aBegin, size_t anEnd, const char* aSet, bool afIn) {
+  const size_t theSetLength = aSet != NULL ? strlen(aSet) : 0;
+  while (aBegin < anEnd && (theSetLength > 0 && memchr(aSet, aStr[aBegin], theSetLength) != NULL) != afIn) {
+    ++aBegin;
+  }
+  return aBegin;
+}
+
+size_t qvCString::FindFirstOf(const char* aSet, size_t aStartPos) const {
+  qvAssert(aStartPos <= length());
+  const size_t thePos = qvCString_S_Scan(mStringPtr, aStartPos, length(), aSet, true);
+  return thePos < length() ? thePos : npos;
+}
+
+size_t qvCString::FindFirstNotOf(const char* aSet, size_t aStartPos) const {
+  const size_t thePos = qvCString_S_Scan(mStringPtr, aStartPos, length(), aSet, false);
+  return thePos < length() ? thePos : npos;
+}
+
+size_t qvCString::FindLastOf(const char* aSet, size_t aStartPos) const {
+  size_t theEnd = aStartPos < length() ? aStartPos + 1 : length();
+  while (theEnd > 0) {
+    --theEnd;
+    if (qvCString_S_Scan(mStringPtr, theEnd, theEnd + 1, aSet, true) == theEnd) {
+      return theEnd;
+    }
+  }
+  return npos;
+}
+
+int qvCString::Find(char aChar, bool afFromEnd) const {
+  const size_t thePos = afFromEnd ? FindLastBytes(&aChar, 1, npos) : FindBytes(&aChar, 1, 0);
+  return thePos != npos ? static_cast<int>(thePos) : -1;
+}
+
+bool qvCString::Contains(const char* aStr) const { return FindFirstStr(aStr, 0) != npos; }
+
+bool qvCString::Contains(const qvCString& aCString) const { return Find(aCString, 0) != npos; }
+
+int qvCString::Freq(char aChar) const {
+  return static_cast<int>(std::count(mStringPtr, mStringPtr + length(), aChar));
+}
+
+// A text that another one begins with is the lesser of the two.
+static int qvCString_S_CompareLengths(size_t aLength, size_t anOtherLength) {
+  if (aLength == anOtherLength) {
+    return 0;
+  }
+  return aLength < anOtherLength ? -1 : 1;
+}
+
+int qvCString::Compare(const qvCString& aCString) const {
+  const int theResult = memcmp(mStringPtr, aCString.mStringPtr, std::min(length(), aCString.length()));
+  return theResult != 0 ? theResult : qvCString_S_CompareLengths(length(), aCString.length());
+}
+
+int qvCString::Compare(const char* aStr) const {
+  qvAssert(aStr != NULL);
+  return strcmp(mStringPtr, aStr);
+}
+
+static int qvCString_S_CompareNoCase(const char* aStr, size_t aLength, const char* anOtherStr,
+                                     size_t anOtherLength) {
+  const size_t theCommonLength = std::min(aLength, anOtherLength);
+  for (size_t i = 0; i < theCommonLength; ++i) {
+    const int theDifference = qvCString_S_Lower(aStr[i]) - qvCString_S_Lower(anOtherStr[i]);
+    if (theDifference != 0) {
+      return theDifference < 0 ? -1 : 1;
+    }
+  }
+  return qvCString_S_CompareLengths(aLength, anOtherLength);
+}
+
+int qvCString::CompareNoCase(const qvCString& aCString) const {
+  return qvCString_S_CompareNoCase(mStringPtr, length(), aCString.mStringPtr, aCString.length());
+}
+
+int qvCString::CompareNoCase(const char* aStr) const {
+  return qvCString_S_CompareNoCase(mStringPtr, length(), aStr, LengthOf(aStr));
+}
