@@ -1,0 +1,22 @@
+/* qvFormatEngine_p.h - one body for both character widths. */
+#ifndef QVRATOOLS_FORMAT_QVFORMATENGINE_P_H
+#define QVRATOOLS_FORMAT_QVFORMATENGINE_P_H
+
+#include <stdarg.h>
+#include <stddef.h>
+
+// Writes at most aMax - 1 characters and a terminator (nothing if aMax is 0). Returns the length of the whole
+// output or a format error, after which the text is empty.
+template <typename Char>
+int qvFormat_Write(Char* aBuffer, size_t aMax, const Char* aFormat, va_list aList);
+
+// A new block of exactly the output and its terminator, null on a format error. aLength may be null.
+template <typename Char>
+Char* qvFormat_Allocate(size_t* aLength, const Char* aFormat, va_list aList);
+
+extern template int qvFormat_Write(char*, size_t, const char*, va_list);
+extern template int qvFormat_Write(wchar_t*, size_t, const wchar_t*, va_list);
+extern template char* qvFormat_Allocate(size_t*, const char*, va_list);
+extern template wchar_t* qvFormat_Allocate(size_t*, const wchar_t*, va_list);
+
+#endif
