@@ -1,0 +1,12 @@
+// qvConvert_p.h - what the parsers share.
+#ifndef QVRATOOLS_QVCONVERT_P_H
+#define QVRATOOLS_QVCONVERT_P_H
+
+// The first character of aStr that is not white space.
+const char* qvConvert_S_SkipSpace(const char* aStr);
+
+// The result of a number that was read from aStr up to anEndPtr: kqvConvertError_None when that is the whole
+// text, otherwise the position of anEndPtr.
+int qvConvert_S_Position(const char* aStr, const char* anEndPtr);
+
+#endif
