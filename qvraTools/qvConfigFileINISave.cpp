@@ -1,0 +1,66 @@
+#include "qvOS/qvDirLock_p.h"
+#include "qvOS/qvFile.h"
+#include "qvraTools/format/qvFormat.h"
+#include "qvraTools/qvConfigFileINISave_p.h"
+#include "qvraTools/qvINIFile_p.h"
+#include "qvraTools/qvMalloc.h"
+
+#define kqvConfigFile_INI_TemporarySuffix ".tmp"
+#define kqvConfigFile_INI_CompletedSuffix ".ok"
+
+// The name of a sibling of the file; the caller releases it.
+static char* qvConfigFile_INI_S_GetNewINIFileName(const char* aFileName, const char* aSuffix) {
+  return qv_mnprintf("%s%s", aFileName, aSuffix);
+}
+
+static void qvConfigFile_INI_S_RepairLocked(const char* aFileName, const char* aTemporaryName,
+                                            const char* aCompletedName) {
+  if (qvFile_Exists(aTemporaryName)) {
+    qvFile_Remove(aTemporaryName);
+  }
+  if (qvFile_Exists(aCompletedName)) {
+    qvFile_Rename(aCompletedName, aFileName);
+  }
+}
+
+static int qvConfigFile_INI_S_SaveLocked(const char* aFileName, const char* aTemporaryName,
+                                         const char* aCompletedName, qvDictionary* aDictionary,
+                                         qvDirLock aLock) {
+  // A leftover is removed rather than overwritten: whoever still has it open, without the lock, writes into
+  // the leftover and not into this save.
+  qvFile_Remove(aTemporaryName);
+  if (!qvINIFile_S_SaveINIFileDurably(aTemporaryName, aDictionary) ||
+      qvFile_Rename(aTemporaryName, aCompletedName) != 0) {
+    qvFile_Remove(aTemporaryName);
+    return 0;
+  }
+  // From here on the save survives a power failure.
+  qvDirLock_SyncDirectory(aLock);
+  return qvFile_Rename(aCompletedName, aFileName) == 0;
+}
+
+void qvConfigFile_INI_S_CheckAndRepairFile(const char* aFileName) {
+  char* theTemporaryName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_TemporarySuffix);
+  char* theCompletedName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
+  // Looked at before the lock, so that an ordinary open waits for nobody. What is there may belong to a save
+  // that is under way: then it is gone once the lock is taken.
+  if (qvFile_Exists(theTemporaryName) || qvFile_Exists(theCompletedName)) {
+    qvDirLock theLock = qvDirLock_AcquireForFile(aFileName);
+    qvConfigFile_INI_S_RepairLocked(aFileName, theTemporaryName, theCompletedName);
+    qvDirLock_Release(theLock);
+  }
+  qvFree(theTemporaryName);
+  qvFree(theCompletedName);
+}
+
+int qvConfigFile_INI_S_SaveFile(const char* aFileName, qvDictionary* aDictionary) {
+  char* theTemporaryName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_TemporarySuffix);
+  char* theCompletedName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
+  qvDirLock theLock = qvDirLock_AcquireForFile(aFileName);
+  int theResult =
+      qvConfigFile_INI_S_SaveLocked(aFileName, theTemporaryName, theCompletedName, aDictionary, theLock);
+  qvDirLock_Release(theLock);
+  qvFree(theTemporaryName);
+  qvFree(theCompletedName);
+  return theResult;
+}
