@@ -5,12 +5,14 @@
 #include "qvOS/qvPath.h"
 #include "qvOS/qvPlatform.h"
 #include "qvOS/qvUser.h"
+#include "qvraTools/format/qvFormat.h"
 
-#define kqvConfigConfig_ReadPathKey    "ReadPath"
-#define kqvConfigConfig_WritePathKey   "WritePath"
-#define kqvConfigConfig_BrandSection   "Brand"
-#define kqvConfigConfig_BrandVariable  "QVBRANDID"
-#define kqvConfigConfig_UserIDVariable "%USERID%"
+#define kqvConfigConfig_ReadPathKey      "ReadPath"
+#define kqvConfigConfig_WritePathKey     "WritePath"
+#define kqvConfigConfig_BrandSection     "Brand"
+#define kqvConfigConfig_BrandVariable    "QVBRANDID"
+#define kqvConfigConfig_UserIDVariable   "%USERID%"
+#define kqvConfigConfig_NumberBufferSize 32 /* bytes; holds every 64-bit number as text */
 
 namespace {
 
@@ -84,8 +86,9 @@ qvCString qvConfigConfig::GetBrandInfo(const char* aKind, const char* aFileName)
     }
   }
   if (theResult.Contains(kqvConfigConfig_UserIDVariable) && theUserID >= 0) {
-    qvCString theNumber = qvCString::Format("%lld", static_cast<long long>(theUserID));
-    theResult.Replace(kqvConfigConfig_UserIDVariable, theNumber.c_str(), true);
+    char theNumber[kqvConfigConfig_NumberBufferSize];
+    qv_snprintf(theNumber, sizeof(theNumber), "%lld", static_cast<long long>(theUserID));
+    theResult.Replace(kqvConfigConfig_UserIDVariable, theNumber, true);
   }
   return theResult;
 }

@@ -6,41 +6,9 @@
 #include <string>
 
 #include "support/ChildProcess.h"
+#include "support/ScratchDictionary.h"
 
 namespace {
-
-// A dictionary that is released at the end of the test.
-class DictionaryTest {
- public:
-  explicit DictionaryTest(size_t aSlots = 0) : mDictionary(qvDictionary_New(aSlots)) {}
-  ~DictionaryTest() { qvDictionary_Delete(mDictionary); }
-  DictionaryTest(const DictionaryTest&) = delete;
-  DictionaryTest& operator=(const DictionaryTest&) = delete;
-  qvDictionary* operator->() const { return mDictionary; }
-  qvDictionary* Get() const { return mDictionary; }
-
-  void Write(const std::string& aKey, const std::string& aValue) {
-    qvDictionary_WriteKey(mDictionary, aKey.c_str(), aValue.c_str());
-  }
-  // The value, or "(absent)".
-  std::string Read(const std::string& aKey) const {
-    return qvDictionary_ReadKey(mDictionary, aKey.c_str(), "(absent)");
-  }
-  // All entries as "key=value", one blank between them.
-  std::string Content() const {
-    std::string theContent;
-    for (size_t i = 0; i < qvDictionary_GetEntryCount(mDictionary); ++i) {
-      theContent += theContent.empty() ? "" : " ";
-      theContent += qvDictionary_GetKeyAtIndex(mDictionary, i);
-      theContent += "=";
-      theContent += qvDictionary_GetValueAtIndex(mDictionary, i);
-    }
-    return theContent;
-  }
-
- private:
-  qvDictionary* mDictionary;
-};
 
 void ExpectFreeSlot(const qvDictionaryEntry& anEntry) {
   EXPECT_STREQ("", anEntry.mKey);
@@ -66,7 +34,7 @@ TEST(qvDictionary, EntryHasItsFieldsInOrder) {
 }
 
 TEST(qvDictionary, NewOneAskedForNoSlotsHasEightFreeOnes) {
-  DictionaryTest theDictionary(0);
+  ScratchDictionary theDictionary(0);
   ASSERT_EQ(8u, theDictionary->mSize);
   EXPECT_EQ(0u, theDictionary->mEntryCount);
   for (size_t i = 0; i < 8; ++i) {
@@ -74,18 +42,18 @@ TEST(qvDictionary, NewOneAskedForNoSlotsHasEightFreeOnes) {
   }
 }
 
-TEST(qvDictionary, NewOneAskedForThreeSlotsHasEight) { EXPECT_EQ(8u, DictionaryTest(3)->mSize); }
+TEST(qvDictionary, NewOneAskedForThreeSlotsHasEight) { EXPECT_EQ(8u, ScratchDictionary(3)->mSize); }
 
-TEST(qvDictionary, NewOneAskedForEightSlotsHasEight) { EXPECT_EQ(8u, DictionaryTest(8)->mSize); }
+TEST(qvDictionary, NewOneAskedForEightSlotsHasEight) { EXPECT_EQ(8u, ScratchDictionary(8)->mSize); }
 
 TEST(qvDictionary, NewOneAskedForNineSlotsHasNine) {
-  DictionaryTest theDictionary(9);
+  ScratchDictionary theDictionary(9);
   ASSERT_EQ(9u, theDictionary->mSize);
   ExpectFreeSlot(theDictionary->mEntries[8]);
 }
 
 TEST(qvDictionary, NinthInsertionGrowsToSixteenSlotsAndEntriesKeepTheirIndices) {
-  DictionaryTest theDictionary(3);
+  ScratchDictionary theDictionary(3);
   for (char theLetter = 'a'; theLetter < 'i'; ++theLetter) {
     theDictionary.Write(std::string(1, theLetter), "1");
   }
@@ -93,7 +61,7 @@ TEST(qvDictionary, NinthInsertionGrowsToSixteenSlotsAndEntriesKeepTheirIndices) 
   theDictionary.Write("i", "9");
   EXPECT_EQ(16u, theDictionary->mSize);
   EXPECT_EQ(9u, theDictionary->mEntryCount);
-  EXPECT_EQ("a=1 b=1 c=1 d=1 e=1 f=1 g=1 h=1 i=9", theDictionary.Content());
+  EXPECT_EQ("a=1|b=1|c=1|d=1|e=1|f=1|g=1|h=1|i=9", theDictionary.Content());
   for (size_t i = 9; i < 16; ++i) {
     ExpectFreeSlot(theDictionary->mEntries[i]);
   }
@@ -102,13 +70,13 @@ TEST(qvDictionary, NinthInsertionGrowsToSixteenSlotsAndEntriesKeepTheirIndices) 
 TEST(qvDictionary, DeletingNullIsIgnored) { qvDictionary_Delete(nullptr); }
 
 TEST(qvDictionary, WrittenKeyReadsBack) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("key", "value");
   EXPECT_EQ("value", theDictionary.Read("key"));
 }
 
 TEST(qvDictionary, TextsAreCopied) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   char theKey[] = "key";
   char theValue[] = "value";
   qvDictionary_WriteKey(theDictionary.Get(), theKey, theValue);
@@ -117,20 +85,20 @@ TEST(qvDictionary, TextsAreCopied) {
 }
 
 TEST(qvDictionary, KeysAreComparedWithTheirCase) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("key", "lower");
   theDictionary.Write("KEY", "upper");
-  EXPECT_EQ("key=lower KEY=upper", theDictionary.Content());
+  EXPECT_EQ("key=lower|KEY=upper", theDictionary.Content());
 }
 
 TEST(qvDictionary, KeysMayHoldAnyByteButZero) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("\x01\x7f\x80\xff", "\xff\x80");
   EXPECT_EQ("\xff\x80", theDictionary.Read("\x01\x7f\x80\xff"));
 }
 
 TEST(qvDictionary, LongTextsAreKept) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   std::string theKey(100000, 'k');
   std::string theValue(200000, 'v');
   theDictionary.Write(theKey, theValue);
@@ -138,7 +106,7 @@ TEST(qvDictionary, LongTextsAreKept) {
 }
 
 TEST(qvDictionary, AbsentKeyGivesTheDefaultPointerItself) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("key", "text");
   char theDefault[] = "text";
   EXPECT_EQ(theDefault, qvDictionary_ReadKey(theDictionary.Get(), "other", theDefault));
@@ -146,25 +114,25 @@ TEST(qvDictionary, AbsentKeyGivesTheDefaultPointerItself) {
 }
 
 TEST(qvDictionary, StoredValueIsNeverTheDefaultPointerEvenWhenEqual) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   char theDefault[] = "text";
   qvDictionary_WriteKey(theDictionary.Get(), "key", theDefault);
   EXPECT_NE(theDefault, qvDictionary_ReadKey(theDictionary.Get(), "key", theDefault));
 }
 
 TEST(qvDictionary, RewrittenKeyKeepsItsIndex) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("a", "1");
   theDictionary.Write("b", "2");
   theDictionary.Write("c", "3");
   theDictionary.Write("b", "a much longer value");
-  EXPECT_EQ("a=1 b=a much longer value c=3", theDictionary.Content());
+  EXPECT_EQ("a=1|b=a much longer value|c=3", theDictionary.Content());
   theDictionary.Write("b", "");
-  EXPECT_EQ("a=1 b= c=3", theDictionary.Content());
+  EXPECT_EQ("a=1|b=|c=3", theDictionary.Content());
 }
 
 TEST(qvDictionary, ValueReadFromAnEntryMayBeWrittenBackToIt) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("key", "a value that is longer than most");
   const char* theValue = qvDictionary_ReadKey(theDictionary.Get(), "key", nullptr);
   qvDictionary_WriteKey(theDictionary.Get(), "key", theValue);
@@ -175,7 +143,7 @@ TEST(qvDictionary, ValueReadFromAnEntryMayBeWrittenBackToIt) {
 }
 
 TEST(qvDictionary, NullValueIsStoredAsTheEmptyText) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   qvDictionary_WriteKey(theDictionary.Get(), "key", nullptr);
   EXPECT_EQ("", theDictionary.Read("key"));
   theDictionary.Write("key", "value");
@@ -184,19 +152,19 @@ TEST(qvDictionary, NullValueIsStoredAsTheEmptyText) {
 }
 
 TEST(qvDictionary, DeletedEntryLetsTheEntriesBehindItMoveDown) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   for (char theLetter = 'a'; theLetter < 'f'; ++theLetter) {
     theDictionary.Write(std::string(1, theLetter), std::string(1, theLetter));
   }
   qvDictionary_DeleteKey(theDictionary.Get(), "c");
-  EXPECT_EQ("a=a b=b d=d e=e", theDictionary.Content());
+  EXPECT_EQ("a=a|b=b|d=d|e=e", theDictionary.Content());
   EXPECT_EQ("(absent)", theDictionary.Read("c"));
   EXPECT_EQ("d", theDictionary.Read("d"));
   ExpectFreeSlot(theDictionary->mEntries[4]);
 }
 
 TEST(qvDictionary, LastEntryOfAFullDictionaryCanBeDeleted) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   for (char theLetter = 'a'; theLetter < 'i'; ++theLetter) {
     theDictionary.Write(std::string(1, theLetter), "1");
   }
@@ -207,7 +175,7 @@ TEST(qvDictionary, LastEntryOfAFullDictionaryCanBeDeleted) {
 }
 
 TEST(qvDictionary, ArrayNeverShrinks) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   for (int i = 0; i < 9; ++i) {
     theDictionary.Write(std::to_string(i), "1");
   }
@@ -219,7 +187,7 @@ TEST(qvDictionary, ArrayNeverShrinks) {
 }
 
 TEST(qvDictionary, DeletingAnAbsentKeyIsIgnored) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   qvDictionary_DeleteKey(theDictionary.Get(), "key");
   theDictionary.Write("key", "value");
   qvDictionary_DeleteKey(theDictionary.Get(), "other");
@@ -228,20 +196,20 @@ TEST(qvDictionary, DeletingAnAbsentKeyIsIgnored) {
 }
 
 TEST(qvDictionary, KeyWrittenAfterADeletionGoesToTheEnd) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("a", "1");
   theDictionary.Write("b", "2");
   qvDictionary_DeleteKey(theDictionary.Get(), "a");
   theDictionary.Write("a", "3");
-  EXPECT_EQ("b=2 a=3", theDictionary.Content());
+  EXPECT_EQ("b=2|a=3", theDictionary.Content());
 }
 
 TEST(qvDictionary, ManyEntriesKeepTheirOrder) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   std::string theExpected;
   for (int i = 0; i < 500; ++i) {
     theDictionary.Write("k" + std::to_string(i), std::to_string(i * 3));
-    theExpected += (i > 0 ? " k" : "k") + std::to_string(i) + "=" + std::to_string(i * 3);
+    theExpected += (i > 0 ? "|k" : "k") + std::to_string(i) + "=" + std::to_string(i * 3);
   }
   EXPECT_EQ(theExpected, theDictionary.Content());
   EXPECT_EQ(504u, theDictionary->mSize);
@@ -262,14 +230,14 @@ TEST(qvDictionary, HashIsTheOneAtATimeHash) {
   };
   for (const auto& theCase : kCases) {
     SCOPED_TRACE(theCase.mWhy);
-    DictionaryTest theDictionary;
+    ScratchDictionary theDictionary;
     theDictionary.Write(theCase.mKey, "");
     EXPECT_EQ(theCase.mHash, theDictionary->mEntries[0].mHash);
   }
 }
 
 TEST(qvDictionary, KeysOfTheSameHashAreToldApart) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("thaea", "first");
   theDictionary.Write("puwaa", "second");
   ASSERT_EQ(theDictionary->mEntries[0].mHash, theDictionary->mEntries[1].mHash);
@@ -280,7 +248,7 @@ TEST(qvDictionary, KeysOfTheSameHashAreToldApart) {
 }
 
 TEST(qvDictionary, KeyWhoseHashIsZeroIsFound) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("oxtesww", "value");
   ASSERT_EQ(0u, theDictionary->mEntries[0].mHash);
   EXPECT_EQ("value", theDictionary.Read("oxtesww"));
@@ -292,13 +260,13 @@ TEST(qvDictionary, WritingToNullFailsAnAssertion) {
 }
 
 TEST(qvDictionary, WritingANullKeyFailsAnAssertion) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   EXPECT_QV_ASSERTION(qvDictionary_WriteKey(theDictionary.Get(), nullptr, "value"),
                       "(aDictionary != NULL) && (aKey != NULL)", "qvDictionary");
 }
 
 TEST(qvDictionary, IndexOutOfRangeFailsAnAssertion) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("key", "value");
   EXPECT_QV_ASSERTION(qvDictionary_GetKeyAtIndex(theDictionary.Get(), 1),
                       "anIndex < aDictionary->mEntryCount", "qvDictionary");
@@ -309,7 +277,7 @@ TEST(qvDictionary, IndexOutOfRangeFailsAnAssertion) {
 }
 
 TEST(qvDictionaryKept, TheEmptyKeyRaisesTheCountButIsNeverFound) {
-  DictionaryTest theDictionary;
+  ScratchDictionary theDictionary;
   theDictionary.Write("a", "1");
   theDictionary.Write("", "lost");
   EXPECT_EQ(2u, qvDictionary_GetEntryCount(theDictionary.Get()));
