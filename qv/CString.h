@@ -340,8 +340,8 @@ class QVLOG_API qvCString {
   bool HasOnlyHexa() const;
 
   /* --- Formatting: the directives of qvraTools/format/qvFormat.h. The arguments may be the characters of
-   * this string. A zero byte that is formatted ends the text. After an error the text is what was written
-   * before it. Printf and PrintfV return the new length --- */
+   * this string. A zero byte that is formatted ends the text. A format error leaves the string empty.
+   * Printf and PrintfV return the new length --- */
 
   size_t Printf(const char* aFormat, ...) QV_PRINTF_FORMAT(2, 3);
   size_t PrintfV(const char* aFormat, va_list anArgs) QV_PRINTF_FORMAT(2, 0);
