@@ -1,0 +1,55 @@
+// FormatText.h - what the formatting functions make of a format, as strings that a test can compare.
+#ifndef TESTS_SUPPORT_FORMATTEXT_H
+#define TESTS_SUPPORT_FORMATTEXT_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "qvraTools/format/qvFormat.h"
+
+// Formats come here as variables, some of them wrong on purpose.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat"
+#pragma GCC diagnostic ignored "-Wformat-security"
+
+// One character a byte: for formats and expected texts that are ASCII.
+inline std::wstring Widen(const std::string& aText) { return std::wstring(aText.begin(), aText.end()); }
+
+// The output with its embedded zeros; "error CODE at POSITION" for a format error.
+template <typename... Arguments>
+std::string NarrowText(const char* aFormat, Arguments... anArguments) {
+  int theLength = qv_snprintf(nullptr, 0, aFormat, anArguments...);
+  if (theLength < 0) {
+    return "error " + std::to_string(-theLength & 0xff) + " at " + std::to_string(-theLength >> 8);
+  }
+  std::string theText(static_cast<size_t>(theLength) + 1, '?');
+  EXPECT_EQ(theLength, qv_snprintf(&theText[0], theText.size(), aFormat, anArguments...));
+  EXPECT_EQ('\0', theText.back()) << "not terminated";
+  theText.pop_back();
+  return theText;
+}
+
+template <typename... Arguments>
+std::wstring WideText(const wchar_t* aFormat, Arguments... anArguments) {
+  int theLength = qv_swprintf(nullptr, 0, aFormat, anArguments...);
+  if (theLength < 0) {
+    return L"error " + std::to_wstring(-theLength & 0xff) + L" at " + std::to_wstring(-theLength >> 8);
+  }
+  std::wstring theText(static_cast<size_t>(theLength) + 1, L'?');
+  EXPECT_EQ(theLength, qv_swprintf(&theText[0], theText.size(), aFormat, anArguments...));
+  EXPECT_EQ(L'\0', theText.back()) << "not terminated";
+  theText.pop_back();
+  return theText;
+}
+
+// Expects the same ASCII text, or error, from both families.
+template <typename... Arguments>
+void ExpectFormatted(const std::string& anExpected, const std::string& aFormat, Arguments... anArguments) {
+  EXPECT_EQ(anExpected, NarrowText(aFormat.c_str(), anArguments...)) << "narrow " << aFormat;
+  EXPECT_EQ(Widen(anExpected), WideText(Widen(aFormat).c_str(), anArguments...)) << "wide " << aFormat;
+}
+
+#pragma GCC diagnostic pop
+
+#endif
