@@ -1,0 +1,18 @@
+// qvTime_p.h - what the clocks share, and what their tests reach.
+#ifndef QVRATOOLS_QVTIME_P_H
+#define QVRATOOLS_QVTIME_P_H
+
+#include "qvraTools/qvTime.h"
+
+// *aTime in milliseconds. Seconds count as unsigned, so that a wall clock past 2038 goes on.
+void qvTimeVal_S_GetMilliSeconds(const qvtimeval* aTime, qvULongLong* aResult);
+
+// aTime, which is UTC, as RFC 1123 has it. The caller frees the text with qvFree.
+char* qvTime_S_NewRFC1123Date(const qvtm* aTime);
+
+#define kqvTime_WeekDays 7
+#define kqvTime_Months   12
+extern const char* const kqvTime_WeekDayNames[kqvTime_WeekDays];
+extern const char* const kqvTime_MonthNames[kqvTime_Months];
+
+#endif
