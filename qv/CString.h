@@ -368,8 +368,7 @@ class QVLOG_API qvCString {
   qvCStringData* mCStringData;
 
  protected:
-  /* What every change is made of. None of these keeps the old text for the caller: where the source may lie
-   * in it, the caller holds it. */
+  /* What every change is made of. */
 
   /* Points the string at a fresh block for aLength characters, without releasing the old text; aLength must
    * not be 0. The length is set and the terminator written; the caller fills the characters. */
@@ -378,7 +377,8 @@ class QVLOG_API qvCString {
   /* Makes the text this string's own, with its characters. */
   void CopyBeforeWrite();
 
-  /* Makes the text this string's own, with room for aLength (not 0) characters and length 0. */
+  /* Makes the text this string's own, with room for aLength (not 0) characters and length 0. The old
+   * characters may be gone. */
   void AllocBeforeWrite(size_t aLength);
 
   /* Becomes the first aLength bytes of aStr, which may lie in the old text. */

@@ -70,32 +70,37 @@ size_t qvCString::FindNoCase(const qvCString& aCString, size_t aStartPos) const 
   return npos;
 }
 
-// The first of the bytes from aBegin on whose being in aSet is afIn; anEnd without one.
-static size_t qvCString_S_Scan(const char* aStr, size_t aBegin, size_t anEnd, const char* aSet, bool afIn) {
-  const size_t theSetLength = aSet != NULL ? strlen(aSet) : 0;
-  while (aBegin < anEnd && (theSetLength > 0 && memchr(aSet, aStr[aBegin], theSetLength) != NULL) != afIn) {
-    ++aBegin;
-  }
-  return aBegin;
+// The terminator of a set is not in it.
+static bool qvCString_S_IsIn(const char* aSet, size_t aSetLength, char aChar) {
+  return aSetLength > 0 && memchr(aSet, aChar, aSetLength) != NULL;
 }
 
 size_t qvCString::FindFirstOf(const char* aSet, size_t aStartPos) const {
   qvAssert(aStartPos <= length());
-  const size_t thePos = qvCString_S_Scan(mStringPtr, aStartPos, length(), aSet, true);
-  return thePos < length() ? thePos : npos;
-}
-
-size_t qvCString::FindFirstNotOf(const char* aSet, size_t aStartPos) const {
-  const size_t thePos = qvCString_S_Scan(mStringPtr, aStartPos, length(), aSet, false);
-  return thePos < length() ? thePos : npos;
+  const size_t theSetLength = LengthOf(aSet);
+  for (size_t thePos = aStartPos; thePos < length(); ++thePos) {
+    if (qvCString_S_IsIn(aSet, theSetLength, mStringPtr[thePos])) {
+      return thePos;
+    }
+  }
+  return npos;
 }
 
 size_t qvCString::FindLastOf(const char* aSet, size_t aStartPos) const {
-  size_t theEnd = aStartPos < length() ? aStartPos + 1 : length();
-  while (theEnd > 0) {
-    --theEnd;
-    if (qvCString_S_Scan(mStringPtr, theEnd, theEnd + 1, aSet, true) == theEnd) {
-      return theEnd;
+  const size_t theSetLength = LengthOf(aSet);
+  for (size_t theEnd = aStartPos < length() ? aStartPos + 1 : length(); theEnd > 0; --theEnd) {
+    if (qvCString_S_IsIn(aSet, theSetLength, mStringPtr[theEnd - 1])) {
+      return theEnd - 1;
+    }
+  }
+  return npos;
+}
+
+size_t qvCString::FindFirstNotOf(const char* aSet, size_t aStartPos) const {
+  const size_t theSetLength = LengthOf(aSet);
+  for (size_t thePos = aStartPos; thePos < length(); ++thePos) {
+    if (!qvCString_S_IsIn(aSet, theSetLength, mStringPtr[thePos])) {
+      return thePos;
     }
   }
   return npos;
