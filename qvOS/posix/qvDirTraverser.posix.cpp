@@ -50,6 +50,9 @@ static bool qvDirTraverser_S_TakeEntry(qvDirTraverser* aDirTraverser) {
   qvStrReplace(&theEntry->mName, aDirTraverser->mDirEnt->d_name);
   const char* theName = theEntry->mName;
   const bool theIsDots = strcmp(theName, ".") == 0 || strcmp(theName, "..") == 0;
+  // KEEP qvDirTraverserKept.ANameThatBeginsWithTwoDotsIsNotHidden
+  // A second dot ends the question, so "..file" counts as visible, as "." and ".." do. It looks like a short
+  // cut that goes too far; it is the required result.
   theEntry->mfHidden = theName[0] == '.' && theName[1] != '\0' && theName[1] != '.';
   if (!qvDirTraverser_S_GetKind(aDirTraverser, &theEntry->mfDir)) {
     return false;
