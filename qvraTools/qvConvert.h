@@ -117,6 +117,111 @@ QVLOG_API int qvConvert_isnumstr(const char* aStr, uint32 aLength);
 /* 1 when each of them occurs in the terminated aCharList; a zero never does. */
 QVLOG_API int qvConvert_containsonly(const char* aStr, uint32 aLength, const char* aCharList);
 
+/* ---- Byte buffers as hexadecimal text ----
+ *
+ * aWordSize is 1, 2 or 4 bytes and the order one of kqvConvertBuffer_*, or an assertion fails. The order
+ * decides how words of 2 and 4 bytes lie in the buffer; with single bytes it plays no part. */
+#define kqvConvertBuffer_BigEndian    0
+#define kqvConvertBuffer_LittleEndian 1
+#define kqvConvertBuffer_NativeEndian 2 /* little-endian, as on the target */
+#define kqvConvertBuffer_NetworkOrder kqvConvertBuffer_BigEndian
+
+/* *aStr becomes a new text of two lower-case digits a byte, released with qvFree. A length that is no
+ * multiple of the word size is kqvConvertError_Invalid and gives null. */
+QVLOG_API int qvConvert_buffertohexstr(const uint8* aBuffer, size_t aBufferLength, size_t aWordSize,
+                                       int aSourceEndianess, char** aStr);
+
+/* *aBuffer becomes a new block of *aBufferLength bytes, released with qvFree. A leading "0x" is skipped. A
+ * number of digits that is odd or no multiple of the word size, or a character that is no digit, is
+ * kqvConvertError_Invalid; then, and for a null text (which is no error), the buffer is null and the length
+ * 0. The bytes of a last word that the digits do not fill are zero. */
+QVLOG_API int qvConvert_hexstrntobuffer(const char* aStr, size_t aStrLength, size_t aWordSize,
+                                        int aDestEndianess, uint8** aBuffer, size_t* aBufferLength);
+
+QVLOG_API uint16 qvConvert_SwapUInt16(uint16 aValue);
+QVLOG_API uint32 qvConvert_SwapUInt32(uint32 aValue);
+
+/* ---- Dates, times and durations of media metadata (DLNA) and play positions (NPT, RFC 2326) ----
+ *
+ * Each returns 0 or kqvConvertError_Invalid, unless a function says otherwise. A null text is invalid. */
+
+/* A date such as "2015-03-08T10:20:30.250+01:00", cut after any field but the first. aDate receives nine
+ * values: year, month (1 to 12), day, hour, minute, second, millisecond, zone hour (with its sign), zone
+ * minute; fields that are not there are 0. After a failure it holds the fields read so far. */
+QVLOG_API int qvConvert_dlnadatestrtodate(const char* aStr, int32* aDate);
+
+/* [[H:]M:]S[.milliseconds]: the milliseconds are the integer written, so ".5" is 5. Both outputs are 0 after
+ * a failure. */
+QVLOG_API int qvConvert_dlnatimestrtouint32(const char* aStr, uint32* aSecond, uint32* aMilliSecond);
+
+/* [H]:MM:SS[.fraction]: a fraction without '/' is an integer of milliseconds, divided by 10 while it is above
+ * 1000
+ * (".5" is 5 ms, ".2500" is 250 ms); with '/' it is a part of a second (".1/2" is 500 ms). The flags: the
+ * hours may not be empty; minutes and seconds need two digits; '/' is allowed. Both outputs are 0 after a
+ * failure. */
+QVLOG_API int qvConvert_dlnadurationstrtouint32_ex(const char* aStr, uint32* aSecond, uint32* aMilliSecond,
+                                                   int afRequireHourDigit, int afRequire2DigitMinSec,
+                                                   int afAcceptFractionForMilliseconds);
+
+/* The form above with the flags 0, 1, 1. */
+QVLOG_API int qvConvert_dlnadurationstrtouint32(const char* aStr, uint32* aSecond, uint32* aMilliSecond);
+
+/* An NPT time: with ':' the form above with the flags 1, 0, 0, otherwise the form below. */
+QVLOG_API int qvConvert_dlnanptstrtouint32(const char* aStr, uint32* aSecond, uint32* aMilliSecond);
+
+/* S[.fff]: the fraction is a part of a second ("12.5" is 12 s and 500 ms), but one of more than three digits
+ * loses its trailing zeros and is then read as written ("12.5000" is 12 s and 5 ms). The outputs are written
+ * on success only; a result of the number parser, a position too, is returned as it is. */
+QVLOG_API int qvConvert_dlnaseconddurationstrtouint32(const char* aStr, uint32* aSecond,
+                                                      uint32* aMilliSecond);
+
+/* ---- Fractions ----
+ *
+ * A plain number, a/b, w n/d or w-n/d, whatever the process's locale. */
+
+/* Returns 0 on success and 1 (not a negative code) for anything else, null included; the destination is then
+ * 0. */
+QVLOG_API int qvConvert_strnfractiontodouble(const char* aStr, size_t aLength, double* aDouble);
+QVLOG_API int qvConvert_strfractiontodouble(const char* aStr, double* aDouble);
+
+/* A number, n/d or w n/d, the parts of fractions being decimal 64-bit integers. Returns a result code of the
+ * number parsers; the destination is 0 after a failure. A denominator of 0 gives 0 and leaves the destination
+ * alone. */
+QVLOG_API int qvConvert_strtodouble(const char* aStr, double* aDouble);
+
+/* Splits aDouble into a whole part and the fraction that comes within aPrecision of the rest with a
+ * denominator up to aMaxDenominator, or the nearest that the search has met. Returns the remaining error. A
+ * rest that comes to 1/1 raises the whole part by one, which turns a negative whole number into the next but
+ * one: -2 becomes 0. */
+QVLOG_API double qvConvert_doubletofractionparts(double aDouble, qvLongLong* aWhole, qvLongLong* aNumerator,
+                                                 qvLongLong* aDenominator, int32 aMaxDenominator,
+                                                 double aPrecision);
+
+/* *aStr becomes the new text of that fraction ("1 1/2", "-3/4", "2"), released with qvFree. Returns a result
+ * code. */
+QVLOG_API int qvConvert_doubletofraction(double aDouble, int32 aMaxDenominator, double aPrecision,
+                                         char** aStr);
+
+/* Reads a fraction as qvConvert_strfractiontodouble does, whose result it returns on failure (with a null
+ * text), and writes it reduced, with a precision of 1e-14. */
+QVLOG_API int qvConvert_cleanupfraction(const char* aFractionStr, int32 aMaxDenominator,
+                                        char** aCleanedFractionStr);
+
+/* The absolute value. */
+QVLOG_API double qvDouble_Abs(double aDouble);
+
+/* ---- Addresses ---- */
+
+/* A new text of six pairs of lower-case digits with the separator between them, released with qvFree. */
+QVLOG_API char* qvConvert_MACtostr(const uint8* aMAC, char aSeparator);
+
+/* Six pairs of hexadecimal digits with '-' or ':' between them; white space may follow. Anything else is
+ * kqvConvertError_Invalid; the bytes read before it are written. */
+QVLOG_API int qvConvert_strtoMAC(const char* aStr, uint8* aMAC);
+
+/* A new text "a.b.c.d" of the four bytes of anIP as they lie in memory, released with qvFree. */
+QVLOG_API char* qvConvert_iptostr(uint32 anIP);
+
 QV_END_DECLS
 
 #endif
