@@ -90,6 +90,8 @@ std::vector<std::string> EmulatorWords() {
 
 }  // namespace
 
+ChildResult RunInChildKeepingTrace(const std::function<void()>& aBody) { return Run(aBody); }
+
 ChildResult RunInChild(const std::function<void()>& aBody) {
   ChildResult theResult = Run(aBody);
   unlink(("/tmp/backtrace_" + std::to_string(theResult.mPid) + ".txt").c_str());

@@ -19,6 +19,8 @@ struct ChildResult {
 // Runs aBody in a forked child that exits with code 0 after it. The back-trace file that a dying child
 // leaves in /tmp is removed. A child that runs for more than two minutes is killed.
 ChildResult RunInChild(const std::function<void()>& aBody);
+// The same, but the back-trace file is left to the caller.
+ChildResult RunInChildKeepingTrace(const std::function<void()>& aBody);
 
 // Runs a program (through the emulator where the target needs one) and waits for it. Each entry of
 // anEnvironment is NAME=value, or NAME alone to unset it; the rest of the environment is inherited.
