@@ -1,0 +1,16 @@
+// The duration statements at a compile-time level that leaves them out, and with a level of the unit's own.
+#define QVLOGLEVEL          QVLOGLEVEL_WARNING
+#define QVLOGDURATION_LEVEL QVLOGLEVEL_ERROR
+#include "qvLog/LogDuration.h"
+
+#include <gtest/gtest.h>
+
+static unsigned sLevel = 0;
+
+static void RememberLevel(void*, const qvLogData* aData, const char*, size_t) { sLevel = aData->mLevel; }
+
+TEST(LogDurationLevels, TheUnitChoosesTheLevelOfItsStatements) {
+  qvLog_SetLogFunc(5, RememberLevel, nullptr);
+  { QVLOG_RUN(TUNER, F("x")); }
+  EXPECT_EQ(1u, sLevel);
+}
