@@ -1,0 +1,120 @@
+#include "qvraTools/qvUUID.h"
+
+#include <string.h>
+
+#include "qvOS/qvMACAddress.h"
+#include "qvOS/qvTime.h"
+#include "qvraTools/format/qvFormat.h"
+#include "qvraTools/qvLongLong.h"
+#include "qvraTools/qvRand.h"
+#include "qvraTools/qvUUID_p.h"
+
+#define kqvUUID_TextSize 37 /* bytes, with the terminator */
+
+static qvUUID_Clock sClock;
+static uint8 sNode[6];
+static int sfNodeKnown = 0;
+
+void qvUUID_GetRandomBytes(uint8* aBuffer, uint32 aLength) {
+  for (uint32 i = 0; i < aLength; ++i) {
+    aBuffer[i] = static_cast<uint8>(qvRand_MinMaxUInt32(0, 255));
+  }
+}
+
+static bool qvUUID_S_IsEarlier(const qvtimeval* aX, const qvtimeval* aY) {
+  return aX->tv_sec != aY->tv_sec ? aX->tv_sec < aY->tv_sec : aX->tv_usec < aY->tv_usec;
+}
+
+int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
+  if (aClock->mLast.tv_sec == 0 && aClock->mLast.tv_usec == 0) {
+    uint8 theBytes[2];
+    qvUUID_GetRandomBytes(theBytes, sizeof(theBytes));
+    aClock->mSequence = static_cast<uint16>((theBytes[0] << 8 | theBytes[1]) & kqvUUID_ClockSequenceMask);
+    aClock->mLast = *aNow;
+    --aClock->mLast.tv_sec;
+  }
+  if (qvUUID_S_IsEarlier(aNow, &aClock->mLast)) {
+    // The clock was set back: another sequence keeps the UUIDs apart from those of the time before.
+    aClock->mSequence = static_cast<uint16>((aClock->mSequence + 1) & kqvUUID_ClockSequenceMask);
+  } else if (!qvUUID_S_IsEarlier(&aClock->mLast, aNow)) {
+    if (aClock->mAdjustment >= kqvUUID_MaxAdjustment) {
+      return 0;
+    }
+    ++aClock->mAdjustment;
+    return 1;
+  }
+  aClock->mAdjustment = 0;
+  aClock->mLast = *aNow;
+  return 1;
+}
+
+int qvUUID_GetClock(unsigned int* aClockHigh, uint32* aClockLow, uint16* aClockSeq) {
+  static const qvULongLong kUnitsPerSecond = qvULongLong_Init(0, 10000000);
+  static const qvULongLong kEpoch = qvULongLong_Init(0x01B21DD2, 0x13814000);  // 1582 to 1970 in units
+  qvtimeval theNow;
+  do {
+    qvTime_GetTimeOfDay(&theNow);
+  } while (!qvUUID_S_AdvanceClock(&sClock, &theNow));
+
+  qvULongLong theTime = qvULongLong_Init(0, static_cast<uint32>(theNow.tv_sec));
+  qvULongLong_Mult(&theTime, &kUnitsPerSecond);
+  qvULongLong_AddUInt32(&theTime, static_cast<uint32>(theNow.tv_usec) * 10 + sClock.mAdjustment);
+  qvULongLong_Add(&theTime, &kEpoch);
+  *aClockHigh = theTime.mHigh;
+  *aClockLow = theTime.mLow;
+  *aClockSeq = sClock.mSequence;
+  return 0;
+}
+
+static void qvUUID_S_PutBigEndian(uint8* aBytes, uint32 aValue, int aSize) {
+  for (int i = aSize; i-- > 0; aValue >>= 8) {
+    aBytes[i] = static_cast<uint8>(aValue);
+  }
+}
+
+void qvUUID_Pack(const uuid* anUUID, uint8* aPacked) {
+  qvUUID_S_PutBigEndian(aPacked, anUUID->time_low, 4);
+  qvUUID_S_PutBigEndian(aPacked + 4, anUUID->time_mid, 2);
+  qvUUID_S_PutBigEndian(aPacked + 6, anUUID->time_hi_and_version, 2);
+  qvUUID_S_PutBigEndian(aPacked + 8, anUUID->clock_seq, 2);
+  memcpy(aPacked + 10, anUUID->node, sizeof(anUUID->node));
+}
+
+void qvUUID_S_MakeRandomNode(uint8* aNode) {
+  qvUUID_GetRandomBytes(aNode, 6);
+  // KEEP qvUUIDKept.RandomNodeIsMarkedInItsTopBit
+  // RFC 4122 marks a random node in the lowest bit of its first byte; here it is the highest.
+  aNode[0] |= 0x80;
+}
+
+static void qvUUID_S_FindNode(void) {
+  if (qvMACAddress_Get(0, sNode) == -1) {
+    qvUUID_S_MakeRandomNode(sNode);
+  }
+  sfNodeKnown = 1;
+}
+
+void qvUUID_Generate(uint8* anUUID) {
+  if (!sfNodeKnown) {
+    qvUUID_S_FindNode();
+  }
+  unsigned int theHigh = 0;
+  uint32 theLow = 0;
+  uint16 theSequence = 0;
+  qvUUID_GetClock(&theHigh, &theLow, &theSequence);
+  uuid theUUID;
+  theUUID.time_low = theLow;
+  theUUID.time_mid = static_cast<uint16>(theHigh);
+  theUUID.time_hi_and_version = static_cast<uint16>((theHigh >> 16) | 0x1000);
+  theUUID.clock_seq = static_cast<uint16>(theSequence | 0x8000);
+  memcpy(theUUID.node, sNode, sizeof(sNode));
+  qvUUID_Pack(&theUUID, anUUID);
+}
+
+void qvUUID_Print(const uint8* anUUID, char* aBuffer) {
+  qv_snprintf(aBuffer, kqvUUID_TextSize,
+              "%-2.2x%-2.2x%-2.2x%-2.2x-%-2.2x%-2.2x-%-2.2x%-2.2x-%-2.2x%-2.2x-"
+              "%-2.2x%-2.2x%-2.2x%-2.2x%-2.2x%-2.2x",
+              anUUID[0], anUUID[1], anUUID[2], anUUID[3], anUUID[4], anUUID[5], anUUID[6], anUUID[7],
+              anUUID[8], anUUID[9], anUUID[10], anUUID[11], anUUID[12], anUUID[13], anUUID[14], anUUID[15]);
+}

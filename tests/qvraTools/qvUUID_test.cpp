@@ -1,0 +1,200 @@
+#include "qvraTools/qvUUID.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/time.h>
+
+#include <cstddef>
+#include <cstring>
+#include <set>
+#include <string>
+
+#include "qvOS/qvMACAddress.h"
+#include "qvraTools/qvUUID_p.h"
+
+namespace {
+
+std::string Text(const uint8* anUUID) {
+  char theText[37];
+  memset(theText, 'x', sizeof(theText));
+  qvUUID_Print(anUUID, theText);
+  EXPECT_EQ('\0', theText[36]);
+  return theText;
+}
+
+// The 60-bit time of a packed UUID, by the layout of RFC 4122.
+uint64 TimeOf(const uint8* anUUID) {
+  uint64 theHigh = ((anUUID[6] & 0x0Fu) << 8) | anUUID[7];
+  uint64 theMid = (anUUID[4] << 8) | anUUID[5];
+  uint64 theLow = 0;
+  for (int i = 0; i < 4; ++i) {
+    theLow = (theLow << 8) | anUUID[i];
+  }
+  return (theHigh << 48) | (theMid << 32) | theLow;
+}
+
+TEST(qvUUID, PrintWritesGroupsOfEightFourFourFourAndTwelveDigits) {
+  const uint8 kUUID[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF,
+                           0x00, 0x0F, 0xF0, 0xFF, 0x10, 0x20, 0x30, 0x40};
+  EXPECT_EQ("01234567-89ab-cdef-000f-f0ff10203040", Text(kUUID));
+}
+
+TEST(qvUUID, PrintOfSixteenZeroBytes) {
+  const uint8 kUUID[16] = {};
+  EXPECT_EQ("00000000-0000-0000-0000-000000000000", Text(kUUID));
+}
+
+TEST(qvUUID, FieldsAreBigEndian) {
+  const uuid kUUID = {0x01020304, 0x0506, 0x0708, 0x090A, {0x0B, 0x0C, 0x0D, 0x0E, 0x0F, 0x10}};
+  uint8 thePacked[16];
+  qvUUID_Pack(&kUUID, thePacked);
+  for (int i = 0; i < 16; ++i) {
+    EXPECT_EQ(i + 1, thePacked[i]);
+  }
+}
+
+TEST(qvUUID, UnpackedFieldsStandInOrder) {
+  EXPECT_EQ(0u, offsetof(uuid, time_low));
+  EXPECT_EQ(4u, offsetof(uuid, time_mid));
+  EXPECT_EQ(6u, offsetof(uuid, time_hi_and_version));
+  EXPECT_EQ(8u, offsetof(uuid, clock_seq));
+  EXPECT_EQ(10u, offsetof(uuid, node));
+  EXPECT_EQ(6u, sizeof(uuid().node));
+}
+
+TEST(qvUUID, VersionAndVariantAreMarked) {
+  for (int i = 0; i < 100; ++i) {
+    uint8 theUUID[16];
+    qvUUID_Generate(theUUID);
+    EXPECT_EQ(1, theUUID[6] >> 4);
+    EXPECT_EQ(2, theUUID[8] >> 6);
+    EXPECT_EQ(0, theUUID[8] & 0x20) << "the sequence has 13 bits";
+  }
+}
+
+TEST(qvUUID, ManyUUIDsDiffer) {
+  std::set<std::string> theTexts;
+  for (int i = 0; i < 5000; ++i) {
+    uint8 theUUID[16];
+    qvUUID_Generate(theUUID);
+    theTexts.insert(Text(theUUID));
+  }
+  EXPECT_EQ(5000u, theTexts.size());
+}
+
+TEST(qvUUID, TimeCountsFrom1582) {
+  struct timeval theBefore;
+  struct timeval theAfter;
+  uint8 theUUID[16];
+  gettimeofday(&theBefore, nullptr);
+  qvUUID_Generate(theUUID);
+  gettimeofday(&theAfter, nullptr);
+  const uint64 kEpoch = 122192928000000000ull;  // 141,427 days in units of 100 ns
+  EXPECT_GE(TimeOf(theUUID), kEpoch + static_cast<uint64>(theBefore.tv_sec) * 10000000 +
+                                 static_cast<uint64>(theBefore.tv_usec) * 10);
+  EXPECT_LE(TimeOf(theUUID), kEpoch + static_cast<uint64>(theAfter.tv_sec) * 10000000 +
+                                 static_cast<uint64>(theAfter.tv_usec) * 10 + 10);
+}
+
+TEST(qvUUID, NodeIsTheDevicesAddressAndStaysTheSame) {
+  uint8 theMAC[6];
+  uint8 theFirst[16];
+  uint8 theSecond[16];
+  int theFound = qvMACAddress_Get(0, theMAC);
+  qvUUID_Generate(theFirst);
+  qvUUID_Generate(theSecond);
+  EXPECT_EQ(0, memcmp(theFirst + 10, theSecond + 10, 6));
+  if (theFound == 1) {
+    EXPECT_EQ(0, memcmp(theMAC, theFirst + 10, 6));
+  }
+}
+
+TEST(qvUUIDKept, RandomNodeIsMarkedInItsTopBit) {
+  bool theLowBitWasClear = false;
+  for (unsigned theSeed = 1; theSeed <= 20; ++theSeed) {
+    uint8 theNode[6];
+    srand(theSeed);
+    qvUUID_S_MakeRandomNode(theNode);
+    EXPECT_EQ(0x80, theNode[0] & 0x80);
+    theLowBitWasClear = theLowBitWasClear || (theNode[0] & 0x01) == 0;
+  }
+  EXPECT_TRUE(theLowBitWasClear) << "the lowest bit, which RFC 4122 would set, stays random";
+}
+
+TEST(qvUUID, RandomBytesAreTheLowBitsOfTheRandomNumbers) {
+  uint8 theBytes[3] = {0, 0, 0};
+  uint8 theGuard = 0xEE;
+  srand(5);
+  unsigned theExpected[3];
+  for (unsigned& theByte : theExpected) {
+    rand();
+    rand();
+    rand();
+    theByte = static_cast<unsigned>(rand()) % 256;
+  }
+  srand(5);
+  qvUUID_GetRandomBytes(theBytes, 3);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(theExpected[i], theBytes[i]);
+  }
+  qvUUID_GetRandomBytes(&theGuard, 0);
+  EXPECT_EQ(0xEE, theGuard);
+}
+
+// ---- the clock
+
+TEST(qvUUIDClock, ElevenUUIDsShareAMicrosecondAndTheTwelfthWaits) {
+  qvUUID_Clock theClock = {};
+  const qvtimeval kNow = {1000, 500};
+  for (int i = 0; i <= 10; ++i) {
+    EXPECT_EQ(1, qvUUID_S_AdvanceClock(&theClock, &kNow));
+    EXPECT_EQ(i, theClock.mAdjustment);
+  }
+  EXPECT_EQ(0, qvUUID_S_AdvanceClock(&theClock, &kNow));
+  const qvtimeval kLater = {1000, 501};
+  EXPECT_EQ(1, qvUUID_S_AdvanceClock(&theClock, &kLater));
+  EXPECT_EQ(0, theClock.mAdjustment);
+}
+
+TEST(qvUUIDClock, TheFirstSequenceIsRandomWithin13Bits) {
+  std::set<int> theSequences;
+  for (unsigned theSeed = 1; theSeed <= 20; ++theSeed) {
+    srand(theSeed);
+    qvUUID_Clock theClock = {};
+    const qvtimeval kNow = {1000, 500};
+    qvUUID_S_AdvanceClock(&theClock, &kNow);
+    EXPECT_LE(theClock.mSequence, 0x1FFF);
+    theSequences.insert(theClock.mSequence);
+  }
+  EXPECT_GT(theSequences.size(), 10u);
+}
+
+TEST(qvUUIDClock, AClockThatGoesBackRaisesTheSequence) {
+  qvUUID_Clock theClock = {{1000, 500}, 7, 3};
+  const qvtimeval kEarlier = {1000, 499};
+  EXPECT_EQ(1, qvUUID_S_AdvanceClock(&theClock, &kEarlier));
+  EXPECT_EQ(8, theClock.mSequence);
+  EXPECT_EQ(0, theClock.mAdjustment);
+  EXPECT_EQ(499, theClock.mLast.tv_usec);
+  const qvtimeval kMuchEarlier = {999, 999999};
+  qvUUID_S_AdvanceClock(&theClock, &kMuchEarlier);
+  EXPECT_EQ(9, theClock.mSequence);
+}
+
+TEST(qvUUIDClock, TheSequenceWrapsAt13Bits) {
+  qvUUID_Clock theClock = {{1000, 500}, 0x1FFF, 0};
+  const qvtimeval kEarlier = {1000, 499};
+  qvUUID_S_AdvanceClock(&theClock, &kEarlier);
+  EXPECT_EQ(0, theClock.mSequence);
+}
+
+TEST(qvUUIDClock, ALaterTimeKeepsTheSequence) {
+  qvUUID_Clock theClock = {{1000, 500}, 7, 3};
+  const qvtimeval kLater = {1001, 0};
+  EXPECT_EQ(1, qvUUID_S_AdvanceClock(&theClock, &kLater));
+  EXPECT_EQ(7, theClock.mSequence);
+  EXPECT_EQ(0, theClock.mAdjustment);
+  EXPECT_EQ(1001, theClock.mLast.tv_sec);
+}
+
+}  // namespace
