@@ -21,5 +21,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/qvLogConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/qvLogConfig.cmake ${PROJECT_BINARY_DIR}/qvLogConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qvLog)
 
+# Relative to the folder of qvLog.pc, so that an installed tree may be moved; the library folder can have two levels.
+file(RELATIVE_PATH QVLOG_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/packaging/qvLog.pc.in ${PROJECT_BINARY_DIR}/qvLog.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvLog.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

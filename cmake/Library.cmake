@@ -25,11 +25,17 @@ target_include_directories(qvLog INTERFACE
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 if(BUILD_SHARED_LIBS)
   target_link_options(qvLog PRIVATE
-    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map -Wl,-z,relro -Wl,-z,now -Wl,--gc-sections)
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map -Wl,-z,relro -Wl,-z,now)
   set_target_properties(qvLog PROPERTIES LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
   if(NOT QVLOG_SANITIZE)
     target_link_options(qvLog PRIVATE -Wl,--no-undefined)
   endif()
 endif()
+
+# The library's objects as an archive: tests and fuzz targets reach what a *_p.h header declares.
+add_library(qvLog_archive STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:qvLog_objects>)
+set_target_properties(qvLog_archive PROPERTIES LINKER_LANGUAGE CXX)
+target_include_directories(qvLog_archive PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(qvLog_archive PUBLIC qvLog_settings ${CMAKE_DL_LIBS} pthread)
 
 include(cmake/Install.cmake)
