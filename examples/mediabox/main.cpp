@@ -11,7 +11,8 @@
 
 static void PrintLine(void* aCookie, const qvLogData* aData, const char* aText, size_t aLength) {
   const char* thePrefix = static_cast<const char*>(aCookie);
-  printf("%s level %u, module %u: %.*s", thePrefix, aData->mLevel, aData->mModule, static_cast<int>(aLength), aText);
+  printf("%s level %u, module %u: %.*s", thePrefix, aData->mLevel, aData->mModule, static_cast<int>(aLength),
+         aText);
 }
 
 static void RunScene() {
