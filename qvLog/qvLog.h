@@ -35,7 +35,8 @@ typedef struct qvLogData {
 /* Receives a finished message: the cookie given at registration, the record, and aLength bytes of text. Only
  * aLength tells where the text ends: a zero byte may stand inside it, and the byte behind it may be anything.
  * aText may be null when aLength is 0. Both pointers are valid during the call only. The log lock is held: a
- * message logged from inside the callback is dropped. */
+ * message logged from inside the callback is dropped. The callback must not call qvLog_Term or
+ * qvLog_NeverLog. */
 typedef void (*qvLog_LogFunc)(void* aCookie, const qvLogData* aData, const char* aText, size_t aLength);
 
 /* The process-wide gate: a message enters the framework only if its level is below this value. The library

@@ -34,6 +34,8 @@ class QVLOG_API qvLogger {
   // threshold is 0 until ChangeLevel. With aAddToList the logger enters the chain, which initialises the
   // framework if need be; without it no lock is taken.
   qvLogger(const char* aName, bool aAddToList);
+  qvLogger(const qvLogger&) = delete;
+  qvLogger& operator=(const qvLogger&) = delete;
   // Leaves the chain.
   virtual ~qvLogger();
 
@@ -99,7 +101,7 @@ class QVLOG_API qvLogger {
   static void SetNeverLog();
 
   // The configuration file's name, "qvLog." and the process name and ".ini".
-  qvCString GetConfigFileName();
+  static qvCString GetConfigFileName();
   // A setting of a section, of the logger's own section in the forms without aSection. A missing one gives
   // the default, and the default is written into the file when "populate" is on. A stored -1 counts as
   // missing.
@@ -117,10 +119,6 @@ class QVLOG_API qvLogger {
   qvLogger* mNext;
   uint32 mOptions;
   uint8 mModulesInfo[QVLOG_MAX_MODULES];  // 0: not decided yet
-
- private:
-  qvLogger(const qvLogger&);
-  qvLogger& operator=(const qvLogger&);
 };
 
 #endif

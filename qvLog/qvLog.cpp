@@ -1,0 +1,275 @@
+#include "qvLog/qvLog.h"
+
+#include <errno.h>
+#include <sched.h>
+
+#include "qvLog/qvLogger_File.h"
+#include "qvLog/qvLogger_Func.h"
+#include "qvLog/qvMainLogger_p.h"
+#include "qvOS/qvMutex.h"
+
+// The life of the framework:
+//
+//   never used --first call--> initialising --> working --qvLog_Term--> not initialised
+//                                   ^                                        |
+//                                   +---------------next call----------------+
+//
+// Words that are read without the log lock are read and written with atomic operations.
+static qvMainLogger* gLogger = NULL;
+static bool _gfNeverLog = false;           // never cleared
+static int sfInited = 0;                   // some thread initialises or has initialised
+static qvAtomic_int sInitValue = 0;        // attempts to initialise; the first one does it
+static int sfDoLog = 0;                    // initialised at least once; never cleared
+static qvOSMutex* sLogMutex = NULL;        // the log lock, recursive; created once, never destroyed
+static int sThisThreadAlreadyLogging = 0;  // inside a message; written by the holder of the log lock only
+
+// A log statement must not change errno: its arguments, which often hold errno, are evaluated after
+// qvLog_Begin.
+struct qvErrnoKeeper {
+  int mErrno = errno;
+  ~qvErrnoKeeper() { errno = mErrno; }
+};
+
+static void CreateLoggers() { qvLogger_File_Init(); }
+
+static qvOSMutex* qvLog_S_GetMutex() { return __atomic_load_n(&sLogMutex, __ATOMIC_ACQUIRE); }
+
+static void qvLog_S_SetMainLogger(qvMainLogger* aLogger) {
+  __atomic_store_n(&gLogger, aLogger, __ATOMIC_RELEASE);
+}
+
+qvMainLogger* qvMainLogger::Current() { return __atomic_load_n(&gLogger, __ATOMIC_ACQUIRE); }
+
+// Adds 1 to the attempts; the result is the new number.
+static int qvLog_S_CountAttempt() {
+  int theOld = __atomic_load_n(&sInitValue, __ATOMIC_SEQ_CST);
+  int theNew;
+  do {
+    theNew = static_cast<int>(static_cast<unsigned int>(theOld) + 1);
+  } while (
+      !__atomic_compare_exchange_n(&sInitValue, &theOld, theNew, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST));
+  return theNew;
+}
+
+// Run by one thread. The log lock is held meanwhile, so that other threads' framework operations wait until
+// the main logger and the loggers exist; their messages are dropped, the first time, and wait later.
+static void qvLog_S_Initialise() {
+  // First of all: the other threads stop spinning.
+  __atomic_store_n(&sfInited, 1, __ATOMIC_RELEASE);
+  if (qvLog_S_GetMutex() == NULL) {
+    __atomic_store_n(&sLogMutex, qvMutex_New(), __ATOMIC_RELEASE);
+  }
+  qvMutex_Lock(sLogMutex);
+  qvMainLogger* theLogger = new qvMainLogger;
+  qvLog_S_SetMainLogger(theLogger);
+  theLogger->Setup();
+  CreateLoggers();
+  __atomic_store_n(&sfDoLog, 1, __ATOMIC_RELEASE);
+  qvMutex_Unlock(sLogMutex);
+}
+
+// Locks the log lock if there is a main logger behind it. There is none for a moment while a thread
+// initialises, and after qvLog_Term in a thread that was waiting for the lock.
+static bool qvLog_S_TryLock() {
+  if (qvLog_S_GetMutex() == NULL) {
+    return false;
+  }
+  qvMutex_Lock(sLogMutex);
+  if (qvMainLogger::Current() != NULL) {
+    return true;
+  }
+  qvMutex_Unlock(sLogMutex);
+  return false;
+}
+
+// Initialises if nobody has. Returns 1 with the log lock held when the caller may start a log operation, 0
+// without the lock when it may not: while the framework is initialised for the first time, and inside the
+// output of another message.
+static int Log_Init() {
+  do {
+    while (!__atomic_load_n(&sfInited, __ATOMIC_ACQUIRE)) {
+      if (qvLog_S_CountAttempt() == 1) {
+        qvLog_S_Initialise();
+      } else {
+        sched_yield();
+      }
+    }
+    if (!__atomic_load_n(&sfDoLog, __ATOMIC_ACQUIRE)) {
+      return 0;
+    }
+  } while (!qvLog_S_TryLock());
+  if (sThisThreadAlreadyLogging) {
+    // The lock is recursive, so only the thread that is inside a message comes here.
+    qvMutex_Unlock(sLogMutex);
+    return 0;
+  }
+  sThisThreadAlreadyLogging = 1;
+  return 1;
+}
+
+static void qvLog_S_Leave() {
+  sThisThreadAlreadyLogging = 0;
+  qvMutex_Unlock(sLogMutex);
+}
+
+void qvLogger::LockFramework() {
+  while (!Log_Init()) {
+    if (qvLog_S_TryLock()) {
+      return;
+    }
+    sched_yield();
+  }
+}
+
+// Clears the mark of a surrounding message too: what is logged inside the same output after a framework
+// operation is not recognised as nested.
+void qvLogger::UnlockFramework() { qvLog_S_Leave(); }
+
+bool qvLogger::NeverLog() {
+  LockFramework();
+  bool theResult = __atomic_load_n(&_gfNeverLog, __ATOMIC_RELAXED);
+  UnlockFramework();
+  return theResult;
+}
+
+void qvLogger::SetNeverLog() {
+  // Before the lock, which may initialise the framework: no logger is to be created even for a moment.
+  __atomic_store_n(&_gfNeverLog, true, __ATOMIC_RELAXED);
+  DeleteAllLoggers();
+}
+
+static bool qvLog_S_PassesGate(qvLogLevel aLevel) { return _qvLog_IsLevelOn(aLevel); }
+
+// Everything but the formatting buffer starts at zero.
+static qvLogDataEx* qvLog_S_ResetRecord(qvLogLevel aLevel, qvLogModule aModule) {
+  char* theFormatted = _qvLog_gData.mFormatted;
+  int32 theSizeofFormatted = _qvLog_gData.mSizeofFormatted;
+  _qvLog_gData = qvLogDataEx();
+  _qvLog_gData.mFormatted = theFormatted;
+  _qvLog_gData.mSizeofFormatted = theSizeofFormatted;
+  _qvLog_gData.mLevel = aLevel;
+  _qvLog_gData.mModule = aModule;
+  _qvLog_gData.mProcessId = qvLogger::CurrentProcessId();
+  _qvLog_gData.mThreadId = qvLogger::CurrentThreadId();
+  return &_qvLog_gData;
+}
+
+int qvLog_WillLog(qvLogLevel aLevel, qvLogModule aModule) {
+  qvErrnoKeeper theErrnoKeeper;
+  if (!qvLog_S_PassesGate(aLevel) || !Log_Init()) {
+    return 0;
+  }
+  bool theResult = qvMainLogger::Current()->WillLog(aLevel, aModule);
+  qvLog_S_Leave();
+  return theResult ? 1 : 0;
+}
+
+qvLogData* qvLog_Begin(qvLogLevel aLevel, qvLogModule aModule) {
+  qvErrnoKeeper theErrnoKeeper;
+  if (!qvLog_S_PassesGate(aLevel) || !Log_Init()) {
+    return NULL;
+  }
+  qvLogDataEx* theRecord = qvLog_S_ResetRecord(aLevel, aModule);
+  if (qvMainLogger::Current()->BeginLog(theRecord)) {
+    return theRecord;
+  }
+  qvLog_S_Leave();
+  return NULL;
+}
+
+void qvLog_End(qvLogData*) {
+  qvErrnoKeeper theErrnoKeeper;
+  qvMainLogger::Current()->EndLog();
+  qvLog_S_Leave();
+}
+
+void qvLog_Append_VF(const char* aFormat, va_list anArgs) {
+  qvErrnoKeeper theErrnoKeeper;
+  qvMainLogger::Current()->Append_VF(aFormat, anArgs);
+}
+
+void qvLog_Append_F(const char* aFormat, ...) {
+  qvErrnoKeeper theErrnoKeeper;
+  va_list theArgs;
+  va_start(theArgs, aFormat);
+  qvMainLogger::Current()->Append_VF(aFormat, theArgs);
+  va_end(theArgs);
+}
+
+void qvLog_Append_FML(const char* aFormat, ...) {
+  qvErrnoKeeper theErrnoKeeper;
+  va_list theArgs;
+  va_start(theArgs, aFormat);
+  qvMainLogger::Current()->Append_VFML(aFormat, theArgs);
+  va_end(theArgs);
+}
+
+void qvLog_Append_FN(const char* aFormat, ...) {
+  qvErrnoKeeper theErrnoKeeper;
+  va_list theArgs;
+  va_start(theArgs, aFormat);
+  qvMainLogger::Current()->Append_VFN(aFormat, theArgs);
+  va_end(theArgs);
+}
+
+void qvLog_Append_B(const void* aBuffer, size_t aLength) {
+  qvErrnoKeeper theErrnoKeeper;
+  qvMainLogger::Current()->Append_B(aBuffer, aLength);
+}
+
+void qvLog_Append_U(const wchar_t* aUnicodeStr, size_t aLength) {
+  qvErrnoKeeper theErrnoKeeper;
+  qvMainLogger::Current()->Append_U(aUnicodeStr, aLength);
+}
+
+void qvLog_ReloadConfig() {
+  qvErrnoKeeper theErrnoKeeper;
+  qvLogger::LockFramework();
+  qvMainLogger::Current()->ReloadConfig();
+  qvLogger::UnlockFramework();
+}
+
+// KEEP qvLogKept.InitLeavesTheCallingThreadInsideTheLogLock
+// The lock that Log_Init grants is not given back: the thread's own messages are dropped as nested and other
+// threads wait. Clients let their first message initialise instead.
+void qvLog_Init() {
+  qvErrnoKeeper theErrnoKeeper;
+  (void)Log_Init();
+}
+
+void qvLog_Term() {
+  qvErrnoKeeper theErrnoKeeper;
+  // KEEP qvLogKept.TermInitialisesAFrameworkThatWasNeverUsed
+  // So a program that never logs reads its configuration once, and populates it, when it exits.
+  qvLogger::LockFramework();
+  qvLogger::DeleteAllLoggers();
+  qvMainLogger* theLogger = qvMainLogger::Current();
+  qvLog_S_SetMainLogger(NULL);
+  delete theLogger;
+  __atomic_store_n(&sfInited, 0, __ATOMIC_RELEASE);
+  __atomic_store_n(&sInitValue, 0, __ATOMIC_SEQ_CST);
+  qvLogger::UnlockFramework();
+}
+
+void qvLog_NeverLog() {
+  qvErrnoKeeper theErrnoKeeper;
+  qvLogger::SetNeverLog();
+}
+
+void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
+  qvErrnoKeeper theErrnoKeeper;
+  qvLogger::LockFramework();
+  if (qvFuncLogger::sInstance == NULL && aLevel != 0 && !qvLogger::NeverLog()) {
+    new qvFuncLogger(true);  // enters the chain, which owns it
+  }
+  if (qvFuncLogger::sInstance != NULL) {
+    qvFuncLogger::sInstance->SetFunc(aLevel, aFunc, aCookie);
+  }
+  qvLogger::UnlockFramework();
+}
+
+// Closes the outputs when the process ends or the library is unloaded.
+struct Terminator {
+  ~Terminator() { qvLog_Term(); }
+};
+static Terminator sTerminator;

@@ -1,0 +1,135 @@
+// The prefix of a log line and what it is made of: level letter, time stamp, thread, module; process names.
+
+#include <pthread.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "qvLog/qvLogger.h"
+#include "qvLog/qvLoggerConfig_p.h"
+#include "qvOS/qvPath.h"
+#include "qvraTools/format/qvFormat.h"
+#include "qvraTools/qvMalloc.h"
+#include "qvraTools/qvTime.h"
+
+#define kqvLogger_ModuleColumns   10
+#define kqvLogger_ProcessNameSize 64 /* bytes */
+#define kqvLogger_ThreadNameSize  10 /* bytes */
+
+// The process id as the system gave it last; 0: ask again. A child of fork starts with 0.
+static uint32 sProcessId = 0;
+static pthread_once_t sProcessIdOnce = PTHREAD_ONCE_INIT;
+static bool sfForgetsProcessIdInChild = false;
+
+static void qvLogger_S_ForgetProcessId() { __atomic_store_n(&sProcessId, 0, __ATOMIC_RELAXED); }
+
+static void qvLogger_S_WatchForks() {
+  sfForgetsProcessIdInChild = pthread_atfork(NULL, NULL, qvLogger_S_ForgetProcessId) == 0;
+}
+
+uint32 qvLogger::CurrentProcessId() {
+  uint32 theId = __atomic_load_n(&sProcessId, __ATOMIC_RELAXED);
+  if (theId == 0) {
+    theId = static_cast<uint32>(getpid());
+    pthread_once(&sProcessIdOnce, qvLogger_S_WatchForks);
+    if (sfForgetsProcessIdInChild) {
+      __atomic_store_n(&sProcessId, theId, __ATOMIC_RELAXED);
+    }
+  }
+  return theId;
+}
+
+uint32 qvLogger::CurrentThreadId() {
+  return static_cast<uint32>(reinterpret_cast<uintptr_t>(pthread_self()));
+}
+
+const char* qvLogger::CurrentProcessName() {
+  static char sName[kqvLogger_ProcessNameSize];
+  if (sName[0] == '\0') {
+    char* theName = qvPath_GetApplicationName(0);
+    if (theName != NULL) {
+      qv_snprintf(sName, sizeof(sName), "%s", theName);
+      qvFree(theName);
+    }
+  }
+  if (sName[0] == '\0') {
+    qv_snprintf(sName, sizeof(sName), "%08x", static_cast<unsigned int>(CurrentProcessId()));
+  }
+  return sName;
+}
+
+const char* qvLogger::CurrentThreadName() {
+  static char sName[kqvLogger_ThreadNameSize];
+  qv_snprintf(sName, sizeof(sName), "%08x", static_cast<unsigned int>(CurrentThreadId()));
+  return sName;
+}
+
+static const char* qvLogger_S_LevelLetter(qvLogLevel aLevel) {
+  if (aLevel < QVLOGLEVEL_WARNING) {
+    return "E ";
+  }
+  if (aLevel == QVLOGLEVEL_WARNING) {
+    return "W ";
+  }
+  return aLevel == QVLOGLEVEL_INFO ? "I " : "D ";
+}
+
+void qvLogger::GenerateBeginLine(qvLogDataEx* aRecord) {
+  Append_S(aRecord, qvLogger_S_LevelLetter(aRecord->mLevel), 2);
+  Append_LogTime(aRecord);
+  Append_S(aRecord, "|", 1);
+  Append_ThreadNameOrId(aRecord);
+  Append_S(aRecord, "|", 1);
+  Append_LogModule(aRecord);
+  Append_S(aRecord, " ", 1);
+}
+
+// Date (if it is wanted), time of day and milliseconds into the record. 0 when the system cannot tell the
+// local time; the stamp is then the milliseconds alone.
+static size_t qvLogger_S_FormatLocalTime(char* aText, size_t aSize, int aSeconds) {
+  qvtm theLocal;
+  if (qvTime_localtime(&aSeconds, &theLocal) == NULL) {
+    return 0;
+  }
+  struct tm theTime = {};
+  theTime.tm_sec = theLocal.tm_sec;
+  theTime.tm_min = theLocal.tm_min;
+  theTime.tm_hour = theLocal.tm_hour;
+  theTime.tm_mday = theLocal.tm_mday;
+  theTime.tm_mon = theLocal.tm_mon;
+  theTime.tm_year = theLocal.tm_year;
+  return strftime(aText, aSize, _gfDateActivate ? "%m/%d/%Y %H:%M:%S" : "%H:%M:%S", &theTime);
+}
+
+void qvLogger::Append_LogTime(qvLogDataEx* aRecord) {
+  if (aRecord->mTimeStrLen == 0) {
+    qvtimeval theNow;
+    qvTime_GetTimeOfDay(&theNow);
+    char* theText = aRecord->mTimeStr;
+    size_t theSize = sizeof(aRecord->mTimeStr);
+    size_t theLength = qvLogger_S_FormatLocalTime(theText, theSize, theNow.tv_sec);
+    theLength += static_cast<size_t>(qv_snprintf(theText + theLength, theSize - theLength, ":%03ld",
+                                                 static_cast<long>(theNow.tv_usec / 1000)));
+    aRecord->mTimeStrLen = theLength;
+  }
+  Append_S(aRecord, aRecord->mTimeStr, aRecord->mTimeStrLen);
+}
+
+void qvLogger::Append_ThreadNameOrId(qvLogDataEx* aRecord) { Append_F(aRecord, "%s", CurrentThreadName()); }
+
+void qvLogger::Append_ProcessNameOrId(qvLogDataEx* aRecord) { Append_F(aRecord, "%s", CurrentProcessName()); }
+
+void qvLogger::Append_LogModule(qvLogDataEx* aRecord) {
+  int theIgnored;
+  const char* theName = ModuleNameAndDefaultValue(aRecord->mModule, &theIgnored);
+  if (theName == NULL) {
+    Append_F(aRecord, "%010u", static_cast<unsigned int>(aRecord->mModule));
+    return;
+  }
+  size_t theLength = strnlen(theName, kqvLogger_ModuleColumns);
+  Append_S(aRecord, theName, theLength);
+  if (theLength < kqvLogger_ModuleColumns) {
+    static const char kBlanks[] = "          ";
+    Append_S(aRecord, kBlanks, kqvLogger_ModuleColumns - theLength);
+  }
+}

@@ -1,0 +1,136 @@
+#include "qvLog/qvLogger_File.h"
+
+#include <string.h>
+
+#include "qv/CString.h"
+#include "qvOS/qvPath.h"
+#include "qvraTools/format/qvFormat.h"
+#include "qvraTools/qvAssert.h"
+#include "qvraTools/qvMalloc.h"
+#include "qvraTools/qvTime.h"
+
+#define kqvFileLogger_DefaultLevel  "Off"
+#define kqvFileLogger_DefaultFile   "stderr"
+#define kqvFileLogger_DefaultAppend 0
+
+qvFileLogger* qvFileLogger::sInstance = NULL;
+
+// The settings are read at construction, so that they appear in a populated file, and again for every
+// opening.
+static qvCString qvFileLogger_S_ReadFile(qvFileLogger* aLogger) {
+  return aLogger->GetConfig("File", kqvFileLogger_DefaultFile);
+}
+
+static bool qvFileLogger_S_ReadAppend(qvFileLogger* aLogger) {
+  return aLogger->GetConfig("Append", kqvFileLogger_DefaultAppend) == 1;
+}
+
+qvFileLogger::qvFileLogger(bool aAddToList) : qvLogger("File", aAddToList), mFile(NULL), mLastChar('\0') {
+  qvAssert(sInstance == NULL);
+  sInstance = this;
+  ChangeLevel(GetConfigLevel(kqvFileLogger_DefaultLevel));
+  qvFileLogger_S_ReadFile(this);
+  qvFileLogger_S_ReadAppend(this);
+}
+
+qvFileLogger::~qvFileLogger() {
+  sInstance = NULL;
+  CloseFile();
+}
+
+bool qvFileLogger::IsOK() { return mFile != NULL; }
+
+void qvFileLogger::CloseFile() {
+  if (mFile != NULL && mFile != stderr && mFile != stdout) {
+    fclose(mFile);
+  }
+  mFile = NULL;
+}
+
+void qvFileLogger::ReplaceStr(qvCString& aStr, const char* aPattern, const char* aFormat, uint32 aValue) {
+  char* theValue = qv_mnprintf(aFormat, static_cast<unsigned long>(aValue));
+  aStr.Replace(aPattern, theValue);
+  qvFree(theValue);
+}
+
+// Puts date, time and process name into the pattern.
+static void qvFileLogger_S_ExpandName(qvFileLogger* aLogger, qvCString& aName) {
+  int theNow;
+  qvtm theTime;
+  qvTime_time(&theNow);
+  if (qvTime_localtime(&theNow, &theTime) != NULL) {
+    // KEEP qvFileLoggerKept.TheYearInAFileNameHasFourDigits
+    aLogger->ReplaceStr(aName, "%y", "%04lu", static_cast<uint32>(theTime.tm_year + 1900));
+    aLogger->ReplaceStr(aName, "%m", "%02lu", static_cast<uint32>(theTime.tm_mon + 1));
+    aLogger->ReplaceStr(aName, "%d", "%02lu", static_cast<uint32>(theTime.tm_mday));
+    aLogger->ReplaceStr(aName, "%H", "%02lu", static_cast<uint32>(theTime.tm_hour));
+    aLogger->ReplaceStr(aName, "%M", "%02lu", static_cast<uint32>(theTime.tm_min));
+    aLogger->ReplaceStr(aName, "%S", "%02lu", static_cast<uint32>(theTime.tm_sec));
+  }
+  aName.Replace("%n", qvLogger::CurrentProcessName());
+}
+
+static FILE* qvFileLogger_S_Open(qvFileLogger* aLogger) {
+  // "e": programs that the process launches do not inherit the file.
+  const char* theMode = qvFileLogger_S_ReadAppend(aLogger) ? "ae" : "we";
+  qvCString theName = qvFileLogger_S_ReadFile(aLogger);
+  qvFileLogger_S_ExpandName(aLogger, theName);
+  if (theName == "stderr") {
+    return stderr;
+  }
+  if (theName == "stdout") {
+    return stdout;
+  }
+  char* thePath = qvPath_Normalize(theName, 0, kqvPathNormalizeMode_Native, NULL);
+  FILE* theFile = thePath != NULL ? fopen(thePath, theMode) : NULL;
+  qvFree(thePath);  // leaves errno alone
+  return theFile;
+}
+
+static void qvFileLogger_S_ReportError() { perror("qvFileLogger"); }
+
+bool qvFileLogger::BeginLog(qvLogDataEx* aRecord) {
+  if (mFile == NULL) {
+    mFile = qvFileLogger_S_Open(this);
+    if (mFile == NULL) {
+      qvFileLogger_S_ReportError();
+      return false;
+    }
+    mLastChar = '\n';
+    Append_F(aRecord, "NAME: %s (log started)\n", CurrentProcessName());
+  }
+  if (mLastChar == '\n') {
+    GenerateBeginLine(aRecord);
+  }
+  return true;
+}
+
+void qvFileLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
+  if (aLength == 0) {
+    return;
+  }
+  mLastChar = aBytes[aLength - 1];
+  if (mFile != NULL && fwrite(aBytes, aLength, 1, mFile) != 1) {
+    qvFileLogger_S_ReportError();
+    CloseFile();
+  }
+}
+
+void qvFileLogger::EndLog(qvLogDataEx*) {
+  if (mFile == NULL || mLastChar != '\n') {
+    return;
+  }
+  // The line was collected in the stream's buffer: this is where a full disk shows.
+  if (fflush(mFile) != 0) {
+    qvFileLogger_S_ReportError();
+    CloseFile();
+  }
+}
+
+void qvLogger_File_Init(void) {
+  qvLogger::LockFramework();
+  if (qvFileLogger::sInstance == NULL && !qvLogger::NeverLog()) {
+    new qvFileLogger(true);  // enters the chain, which owns it
+  }
+  qvLogger::UnlockFramework();
+}

@@ -1,0 +1,136 @@
+#include "qvLog/qvLogger_Func.h"
+
+#include <string.h>
+
+#include "qvraTools/qvAssert.h"
+#include "qvraTools/qvMalloc.h"
+
+qvFuncLogger* qvFuncLogger::sInstance = NULL;
+
+// Callbacks are being called, and entries may not be freed: those that are removed meanwhile stay in the
+// list, without a function and with a threshold that nothing passes, until the outermost EndLog is through.
+static unsigned int sCallsInProgress = 0;
+static bool sfHasRemovedEntries = false;
+
+// The size of mStr's block. There is one instance at a time.
+static size_t sStrCapacity = 0;
+
+// The entries that a deleted logger left behind.
+static qvLoggerFuncEntry* sLeftEntries = NULL;
+
+qvFuncLogger::qvFuncLogger(bool aAddToList)
+    : qvLogger("Func", aAddToList), mHead(NULL), mStrLen(0), mStr(NULL) {
+  qvAssert(sInstance == NULL);
+  sInstance = this;
+  SetOptions(OPT_NO_CONFIG);
+  ChangeLevel(QVLOGLEVEL_NONE);
+}
+
+qvFuncLogger::~qvFuncLogger() {
+  sInstance = NULL;
+  qvFree(mStr);
+  sStrCapacity = 0;
+  // KEEP qvFuncLoggerKept.TheEntriesOutliveTheLogger
+  // They are not freed: whoever holds one from FindFunc may go on reading it. The list keeps them in sight.
+  while (mHead != NULL) {
+    qvLoggerFuncEntry* theNext = mHead->mNext;
+    mHead->mNext = sLeftEntries;
+    sLeftEntries = mHead;
+    mHead = theNext;
+  }
+}
+
+void qvFuncLogger::SetFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
+  if (FindFunc(aFunc) != NULL) {
+    RemoveFunc(aFunc);
+  }
+  if (aLevel != 0) {
+    AddFunc(aLevel, aFunc, aCookie);
+  }
+}
+
+qvLoggerFuncEntry* qvFuncLogger::FindFunc(qvLog_LogFunc aFunc) {
+  qvLoggerFuncEntry* theEntry = mHead;
+  while (theEntry != NULL && theEntry->mFunc != aFunc) {
+    theEntry = theEntry->mNext;
+  }
+  return theEntry;
+}
+
+void qvFuncLogger::AddFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
+  qvLoggerFuncEntry* theEntry = static_cast<qvLoggerFuncEntry*>(qvMalloc(sizeof(qvLoggerFuncEntry)));
+  theEntry->mNext = mHead;
+  theEntry->mLevel = aLevel;
+  theEntry->mFunc = aFunc;
+  theEntry->mCookie = aCookie;
+  mHead = theEntry;
+  if (aLevel > GetLevel()) {
+    ChangeLevel(aLevel);
+  }
+}
+
+// Unlinks and frees every entry of aFunc.
+static void qvFuncLogger_S_FreeEntries(qvLoggerFuncEntry** aList, qvLog_LogFunc aFunc) {
+  while (*aList != NULL) {
+    qvLoggerFuncEntry* theEntry = *aList;
+    if (theEntry->mFunc == aFunc) {
+      *aList = theEntry->mNext;
+      qvFree(theEntry);
+    } else {
+      aList = &theEntry->mNext;
+    }
+  }
+}
+
+void qvFuncLogger::RemoveFunc(qvLog_LogFunc aFunc) {
+  if (sCallsInProgress == 0) {
+    qvFuncLogger_S_FreeEntries(&mHead, aFunc);
+  }
+  qvLogLevel theHighest = 0;
+  for (qvLoggerFuncEntry* theEntry = mHead; theEntry != NULL; theEntry = theEntry->mNext) {
+    if (theEntry->mFunc == aFunc) {
+      theEntry->mFunc = NULL;
+      theEntry->mLevel = 0;
+      sfHasRemovedEntries = true;
+    }
+    if (theEntry->mLevel > theHighest) {
+      theHighest = theEntry->mLevel;
+    }
+  }
+  ChangeLevel(theHighest);
+}
+
+bool qvFuncLogger::BeginLog(qvLogDataEx* aRecord) {
+  for (qvLoggerFuncEntry* theEntry = mHead; theEntry != NULL; theEntry = theEntry->mNext) {
+    if (theEntry->mLevel > aRecord->mLevel) {
+      mStrLen = 0;
+      return true;
+    }
+  }
+  return false;
+}
+
+void qvFuncLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
+  size_t theSize = mStrLen + aLength + 1;
+  if (theSize > sStrCapacity) {
+    mStr = static_cast<char*>(qvRealloc(mStr, theSize));
+    sStrCapacity = theSize;
+  }
+  // The byte behind the text comes along as the terminator of what callbacks get.
+  memcpy(mStr + mStrLen, aBytes, aLength + 1);
+  mStrLen += aLength;
+}
+
+void qvFuncLogger::EndLog(qvLogDataEx* aRecord) {
+  ++sCallsInProgress;
+  for (qvLoggerFuncEntry* theEntry = mHead; theEntry != NULL; theEntry = theEntry->mNext) {
+    if (theEntry->mLevel > aRecord->mLevel) {
+      theEntry->mFunc(theEntry->mCookie, aRecord, mStr, mStrLen);
+    }
+  }
+  --sCallsInProgress;
+  if (sCallsInProgress == 0 && sfHasRemovedEntries) {
+    sfHasRemovedEntries = false;
+    qvFuncLogger_S_FreeEntries(&mHead, NULL);
+  }
+}

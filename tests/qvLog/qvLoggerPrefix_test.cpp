@@ -1,0 +1,148 @@
+// The prefix of a log line: qvLog/qvLoggerPrefix.cpp.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include "qvLog/qvLoggerConfig_p.h"
+#include "support/RecordingLogger.h"
+
+namespace {
+
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+// The prefix of a message of this level and module.
+std::string PrefixOf(qvLogLevel aLevel, qvLogModule aModule) {
+  RecordingLogger theLogger(65535);
+  theLogger.mfWritesPrefix = true;
+  EXPECT_TRUE(LogText(aLevel, aModule, "x"));
+  std::string theText = theLogger.mMessages.empty() ? "" : theLogger.mMessages[0];
+  EXPECT_EQ('x', theText.empty() ? '\0' : theText.back());
+  theText.resize(theText.empty() ? 0 : theText.size() - 1);
+  return theText;
+}
+
+std::string LocalTime(time_t aTime, const char* aFormat) {
+  char theText[64];
+  struct tm theLocal;
+  localtime_r(&aTime, &theLocal);
+  strftime(theText, sizeof(theText), aFormat, &theLocal);
+  return theText;
+}
+
+}  // namespace
+
+TEST(qvLoggerPrefix, APrefixIsLetterTimeThreadAndModule) {
+  EXPECT_THAT(PrefixOf(3, 0),
+              MatchesRegex("I [0-9][0-9]:[0-9][0-9]:[0-9][0-9]:[0-9][0-9][0-9]\\|[0-9a-f]{8}\\|DEFAULT    "));
+}
+
+TEST(qvLoggerPrefix, TheLetterFollowsTheLevel) {
+  EXPECT_THAT(PrefixOf(0, 0), StartsWith("E "));
+  EXPECT_THAT(PrefixOf(1, 0), StartsWith("E "));
+  EXPECT_THAT(PrefixOf(2, 0), StartsWith("W "));
+  EXPECT_THAT(PrefixOf(3, 0), StartsWith("I "));
+  EXPECT_THAT(PrefixOf(4, 0), StartsWith("D "));
+  EXPECT_THAT(PrefixOf(5, 0), StartsWith("D "));
+  EXPECT_THAT(PrefixOf(65534, 0), StartsWith("D "));
+}
+
+TEST(qvLoggerPrefix, ThePiecesReachTheSinkInOrder) {
+  RecordingLogger theLogger(2);
+  theLogger.mfWritesPrefix = true;
+  LogText(1, 0, "x");
+  ASSERT_EQ(9u, theLogger.mPieces.size());
+  EXPECT_EQ("E ", theLogger.mPieces[0]);
+  EXPECT_EQ(12u, theLogger.mPieces[1].size());
+  EXPECT_EQ("|", theLogger.mPieces[2]);
+  EXPECT_EQ(8u, theLogger.mPieces[3].size());
+  EXPECT_EQ("|", theLogger.mPieces[4]);
+  EXPECT_EQ("DEFAULT", theLogger.mPieces[5]);
+  EXPECT_EQ("   ", theLogger.mPieces[6]);
+  EXPECT_EQ(" ", theLogger.mPieces[7]);
+  EXPECT_EQ("x", theLogger.mPieces[8]);
+}
+
+TEST(qvLoggerPrefix, TheThreadIsTheLoggingThread) {
+  EXPECT_EQ(std::string(qvLogger::CurrentThreadName()), PrefixOf(1, 0).substr(15, 8));
+}
+
+TEST(qvLoggerPrefix, ANameOfTenCharactersHasNoPadding) {
+  ASSERT_EQ(22, QVLOG_M_PES_HEADER);
+  ASSERT_EQ(49, QVLOG_M_AUDIO_SINK);
+  EXPECT_EQ("|AUDIO_SINK ", PrefixOf(1, QVLOG_M_AUDIO_SINK).substr(23));
+}
+
+TEST(qvLoggerPrefix, AShorterNameIsPaddedToTenColumns) {
+  EXPECT_EQ("|FAN        ", PrefixOf(1, QVLOG_M_FAN).substr(23));
+  EXPECT_EQ("|TRANSPORT  ", PrefixOf(1, QVLOG_M_TRANSPORT).substr(23));
+}
+
+TEST(qvLoggerPrefix, ALongerNameIsCutAtTenColumns) {
+  EXPECT_EQ("|AUDIO_DECO ", PrefixOf(1, QVLOG_M_AUDIO_DECODER).substr(23));
+}
+
+TEST(qvLoggerPrefix, AnUnnamedModulePrintsItsNumberInTenDigits) {
+  EXPECT_EQ("|0000000170 ", PrefixOf(1, 170).substr(23));
+  EXPECT_EQ("|0000065535 ", PrefixOf(1, 65535).substr(23));
+}
+
+TEST(qvLoggerPrefix, TheTimeIsTheLocalTimeOfTheMessage) {
+  setenv("TZ", "XYZ-05:45", 1);
+  tzset();
+  time_t theBefore = time(nullptr);
+  std::string theTime = PrefixOf(1, 0).substr(2, 8);
+  time_t theAfter = time(nullptr);
+  bool theFound = false;
+  for (time_t t = theBefore - 1; t <= theAfter + 1; ++t) {
+    theFound = theFound || LocalTime(t, "%H:%M:%S") == theTime;
+  }
+  EXPECT_TRUE(theFound) << theTime;
+}
+
+TEST(qvLoggerPrefix, WithDatesSwitchedOnTheTimeFollowsTheDate) {
+  RecordingLogger theLogger(2);
+  theLogger.mfWritesPrefix = true;
+  _gfDateActivate = 1;
+  time_t theBefore = time(nullptr);
+  LogText(1, 0, "x");
+  time_t theAfter = time(nullptr);
+  _gfDateActivate = 0;
+  std::string theStamp = theLogger.mPieces[1];
+  EXPECT_THAT(theStamp, MatchesRegex("[0-9]{2}/[0-9]{2}/[0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}:[0-9]{3}"));
+  bool theFound = false;
+  for (time_t t = theBefore - 1; t <= theAfter + 1; ++t) {
+    theFound = theFound || LocalTime(t, "%m/%d/%Y %H:%M:%S") == theStamp.substr(0, 19);
+  }
+  EXPECT_TRUE(theFound) << theStamp;
+}
+
+TEST(qvLoggerPrefix, TheStampIsMadeOncePerMessage) {
+  RecordingLogger theLogger(2, false);
+  qvLogDataEx theRecord = {};
+  strcpy(theRecord.mTimeStr, "what the first logger made");
+  theRecord.mTimeStrLen = 4;
+  theLogger.Append_LogTime(&theRecord);
+  EXPECT_EQ("what", theLogger.mText);
+}
+
+TEST(qvLoggerPrefix, TheStampIsKeptInTheRecordWithItsLength) {
+  RecordingLogger theLogger(2, false);
+  qvLogDataEx theRecord = {};
+  theLogger.Append_LogTime(&theRecord);
+  EXPECT_EQ(12u, theRecord.mTimeStrLen);
+  EXPECT_EQ(theLogger.mText, theRecord.mTimeStr);
+}
+
+TEST(qvLoggerPrefix, TheProcessNameIsNotPartOfThePrefixButCanBeAppended) {
+  RecordingLogger theLogger(2);
+  theLogger.mfWritesPrefix = true;
+  qvLogData* theData = qvLog_Begin(1, 0);
+  EXPECT_EQ(std::string::npos, theLogger.mText.find("qvLoggerPrefix_test"));
+  theLogger.mText.clear();
+  theLogger.Append_ProcessNameOrId(static_cast<qvLogDataEx*>(theData));
+  EXPECT_EQ("qvLoggerPrefix_test", theLogger.mText);
+  qvLog_End(theData);
+}
