@@ -11,15 +11,9 @@
 
 #include "qvraTools/qvMalloc.h"
 #include "support/ChildProcess.h"
+#include "support/OwnedText.h"
 
 namespace {
-
-// Takes over a new text; "(null)" for null.
-std::string Taken(char* aText) {
-  std::string theText = aText != nullptr ? aText : "(null)";
-  qvFree(aText);
-  return theText;
-}
 
 // Knows x (which stands for %y%), y, long, empty and env.HOME; remembers the names asked for.
 char* KnownNames(char* aName, void* aUserData) {
@@ -42,16 +36,16 @@ char* KnownNames(char* aName, void* aUserData) {
 }
 
 std::string Substitute(const char* aText, int afRecursive = 0) {
-  return Taken(qvStringSubstitution_Substitute(aText, '%', afRecursive, KnownNames, nullptr));
+  return TakeText(qvStringSubstitution_Substitute(aText, '%', afRecursive, KnownNames, nullptr));
 }
 
 std::string SubstituteEx(const char* aText, const char* aStart, const char* anEnd, int afRecursive = 0) {
-  return Taken(qvStringSubstitution_SubstituteEx(aText, aStart, anEnd, afRecursive, KnownNames, nullptr));
+  return TakeText(qvStringSubstitution_SubstituteEx(aText, aStart, anEnd, afRecursive, KnownNames, nullptr));
 }
 
 std::string HostName(const char* aName = "hostname") {
   std::string theName = aName;
-  return Taken(qvStringSubstitution_Replace_HostName(theName.data(), nullptr));
+  return TakeText(qvStringSubstitution_Replace_HostName(theName.data(), nullptr));
 }
 
 // What "%hostname%" becomes on a host of that name; "(no permission)" where the name cannot be changed.
@@ -124,14 +118,14 @@ TEST(qvStringSubstitution, RecursiveSubstitutionReadsTheMarkOfAPairAgain) {
 }
 
 TEST(qvStringSubstitution, MarkMayBeAnyCharacter) {
-  EXPECT_EQ("aZb", Taken(qvStringSubstitution_Substitute("a$y$b", '$', 0, KnownNames, nullptr)));
-  EXPECT_EQ("aZb", Taken(qvStringSubstitution_Substitute("a\xffy\xff"
-                                                         "b",
-                                                         '\xff', 0, KnownNames, nullptr)));
+  EXPECT_EQ("aZb", TakeText(qvStringSubstitution_Substitute("a$y$b", '$', 0, KnownNames, nullptr)));
+  EXPECT_EQ("aZb", TakeText(qvStringSubstitution_Substitute("a\xffy\xff"
+                                                            "b",
+                                                            '\xff', 0, KnownNames, nullptr)));
 }
 
 TEST(qvStringSubstitution, NoMarkAtAllLeavesTheText) {
-  EXPECT_EQ("a%y%b", Taken(qvStringSubstitution_Substitute("a%y%b", '\0', 0, KnownNames, nullptr)));
+  EXPECT_EQ("a%y%b", TakeText(qvStringSubstitution_Substitute("a%y%b", '\0', 0, KnownNames, nullptr)));
   EXPECT_EQ("a%y%b", SubstituteEx("a%y%b", "", ""));
 }
 
@@ -144,7 +138,7 @@ TEST(qvStringSubstitution, ResultIsANewText) {
 
 TEST(qvStringSubstitution, FunctionGetsTheNameWithoutMarksAndTheUserData) {
   std::vector<std::string> theNames;
-  Taken(qvStringSubstitution_Substitute("%first% %% %second one%", '%', 0, KnownNames, &theNames));
+  TakeText(qvStringSubstitution_Substitute("%first% %% %second one%", '%', 0, KnownNames, &theNames));
   EXPECT_EQ((std::vector<std::string>{"first", "second one"}), theNames);
 }
 
@@ -161,7 +155,7 @@ TEST(qvStringSubstitution, LongTextsAreReplaced) {
 TEST(qvStringSubstitution, EnvironmentVariableIsKnownWithoutAFunction) {
   setenv("QVTEST_SET", "value", 1);
   EXPECT_EQ("value/cache",
-            Taken(qvStringSubstitution_Substitute("%env.QVTEST_SET%/cache", '%', 0, nullptr, nullptr)));
+            TakeText(qvStringSubstitution_Substitute("%env.QVTEST_SET%/cache", '%', 0, nullptr, nullptr)));
 }
 
 TEST(qvStringSubstitution, UnsetEnvironmentVariableVanishes) {
@@ -172,7 +166,7 @@ TEST(qvStringSubstitution, UnsetEnvironmentVariableVanishes) {
 TEST(qvStringSubstitution, EnvironmentVariableSetToNothingIsEmpty) {
   setenv("QVTEST_EMPTY", "", 1);
   char theName[] = "env.QVTEST_EMPTY";
-  EXPECT_EQ("", Taken(qvStringSubstitution_GetSubstitution(theName, nullptr, nullptr)));
+  EXPECT_EQ("", TakeText(qvStringSubstitution_GetSubstitution(theName, nullptr, nullptr)));
 }
 
 TEST(qvStringSubstitution, EnvironmentPrefixIsExact) {
@@ -195,7 +189,7 @@ TEST(qvStringSubstitution, GetSubstitutionOfAnUnknownNameGivesNull) {
 
 TEST(qvStringSubstitution, GetSubstitutionOfAKnownNameGivesANewText) {
   char theName[] = "y";
-  EXPECT_EQ("Z", Taken(qvStringSubstitution_GetSubstitution(theName, KnownNames, nullptr)));
+  EXPECT_EQ("Z", TakeText(qvStringSubstitution_GetSubstitution(theName, KnownNames, nullptr)));
 }
 
 TEST(qvStringSubstitution, MarksOfSeveralCharactersAreReplaced) {
@@ -229,10 +223,10 @@ TEST(qvStringSubstitution, MarksOfSeveralCharactersRecurseToo) {
 }
 
 TEST(qvStringSubstitution, HostNameFunctionKnowsNoOtherName) {
-  EXPECT_EQ("(null)", HostName("host"));
-  EXPECT_EQ("(null)", HostName("hostnames"));
-  EXPECT_EQ("(null)", HostName("HOSTNAME"));
-  EXPECT_EQ("(null)", HostName(""));
+  EXPECT_EQ(kOwnedText_Null, HostName("host"));
+  EXPECT_EQ(kOwnedText_Null, HostName("hostnames"));
+  EXPECT_EQ(kOwnedText_Null, HostName("HOSTNAME"));
+  EXPECT_EQ(kOwnedText_Null, HostName(""));
 }
 
 TEST(qvStringSubstitution, HostNameIsThatOfThisHostUpToItsFirstDot) {

@@ -1,0 +1,110 @@
+#include "support/TracedProcess.h"
+
+#include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <signal.h>
+#include <stdio.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kNotTraced = 99;                   // exit code of a child that cannot be traced
+constexpr int kSystemCallStop = SIGTRAP | 0x80;  // with PTRACE_O_TRACESYSGOOD
+
+// A child that stops before and behind each of its system calls.
+class TracedChild {
+ public:
+  explicit TracedChild(const std::function<void()>& aBody) {
+    fflush(nullptr);
+    mPid = fork();
+    if (mPid == 0) {
+      if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) {
+        _exit(kNotTraced);
+      }
+      raise(SIGSTOP);
+      aBody();
+      _exit(0);
+    }
+    waitpid(mPid, &mStatus, 0);
+    mfRunning = WIFSTOPPED(mStatus);
+    if (mfRunning) {
+      ptrace(PTRACE_SETOPTIONS, mPid, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+      NextSystemCall();  // what raise does behind the stop
+    }
+  }
+
+  ~TracedChild() {
+    if (mfRunning) {
+      kill(mPid, SIGKILL);
+      waitpid(mPid, &mStatus, 0);
+    }
+  }
+
+  // Lets the child run up to its next system call and gives that call's number, or -1 when it has ended.
+  long NextSystemCall() {
+    while (mfRunning) {
+      ptrace(PTRACE_SYSCALL, mPid, nullptr, nullptr);
+      waitpid(mPid, &mStatus, 0);
+      mfRunning = WIFSTOPPED(mStatus);
+      if (!mfRunning || WSTOPSIG(mStatus) != kSystemCallStop) {
+        continue;
+      }
+      struct __ptrace_syscall_info theInfo = {};
+      ptrace(PTRACE_GET_SYSCALL_INFO, mPid, sizeof(theInfo), &theInfo);
+      if (theInfo.op == PTRACE_SYSCALL_INFO_ENTRY) {
+        return static_cast<long>(theInfo.entry.nr);
+      }
+    }
+    return -1;
+  }
+
+  bool IsRunning() const { return mfRunning; }
+  int ExitCode() const { return WIFEXITED(mStatus) ? WEXITSTATUS(mStatus) : -1; }
+
+ private:
+  pid_t mPid = -1;
+  int mStatus = 0;
+  bool mfRunning = false;
+};
+
+}  // namespace
+
+bool CanTraceProcesses() {
+  TracedChild theChild([] { (void)getppid(); });
+  return theChild.IsRunning() && theChild.NextSystemCall() >= 0;
+}
+
+std::vector<long> SystemCallsOf(const std::function<void()>& aBody) {
+  std::vector<long> theNumbers;
+  TracedChild theChild(aBody);
+  for (long theNumber = theChild.NextSystemCall(); theNumber >= 0; theNumber = theChild.NextSystemCall()) {
+    theNumbers.push_back(theNumber);
+  }
+  EXPECT_EQ(0, theChild.ExitCode());
+  return theNumbers;
+}
+
+bool KillBeforeSystemCall(size_t anIndex, const std::function<void()>& aBody) {
+  TracedChild theChild(aBody);
+  long theNumber = theChild.NextSystemCall();
+  for (size_t i = 0; theNumber >= 0 && i < anIndex; ++i) {
+    theNumber = theChild.NextSystemCall();
+  }
+  return theNumber >= 0;
+}
+
+bool MakeSystemCallFail(long aNumber, int anErrno) {
+  struct sock_filter theFilter[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(struct seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(aNumber), 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned>(anErrno)),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  struct sock_fprog theProgram = {sizeof(theFilter) / sizeof(theFilter[0]), theFilter};
+  return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &theProgram) == 0;
+}
