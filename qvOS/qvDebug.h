@@ -19,8 +19,8 @@ QVLOG_API void qvDebug_BackTraceCurrent(int afMemoryIsCorrupted);
 
 /* Writes the calling thread's back-trace, up to 1024 frames, one line a frame, to anOutputBuffer, whose size
  * is anOutputBufferLen bytes. What does not fit is cut; the text is terminated. Returns its length without
- * the terminator; 0 when there is no room or the frames cannot be resolved, and then the buffer is left as
- * it was. Any thread may call it. */
+ * the terminator. A buffer of no bytes, and any buffer when the frames cannot be resolved, is left as it was;
+ * the result is 0 then. Any thread may call it. */
 QVLOG_API size_t qvDebug_GetBackTrace(char* anOutputBuffer, size_t anOutputBufferLen);
 
 /* Has no effect on this platform. */

@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "qvOS/qvDebug.h"
 #include "qvOS/qvGlobal.h"
 #include "qvraTools/qvFatalError_p.h"
 
@@ -73,6 +74,7 @@ void qvFatalError(const char* aReason, ...) {
     // KEEP qvFatalErrorKept.TheRegisteredCallBackIsNotCalled
     // Looked up and left alone. The look-up allocates nothing.
     (void)qvGlobal_GetFunctionPtr(kqvFatalError_CallBackName);
+    qvDebug_BackTraceCurrent(0);
   }
   // abort does not flush.
   fflush(stderr);

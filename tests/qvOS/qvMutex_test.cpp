@@ -1,5 +1,7 @@
 #include "qvOS/qvMutex.h"
 
+#include <dlfcn.h>
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <stddef.h>
@@ -24,6 +26,22 @@ using MutexPtr = std::unique_ptr<qvOSMutex, MutexDeleter>;
 
 MutexPtr NewMutex() { return MutexPtr(qvMutex_New()); }
 
+bool gfInitFails = false;
+
+// A handle around a system mutex that reports misuse, so that the system's refusals can be had.
+struct RefusingMutex {
+  RefusingMutex() {
+    pthread_mutexattr_t theAttribute;
+    pthread_mutexattr_init(&theAttribute);
+    pthread_mutexattr_settype(&theAttribute, PTHREAD_MUTEX_ERRORCHECK);
+    pthread_mutex_init(&mMutex.mMutex, &theAttribute);
+    pthread_mutexattr_destroy(&theAttribute);
+    mMutex._mMagicNumber = kqvMutex_Magic;
+  }
+  ~RefusingMutex() { pthread_mutex_destroy(&mMutex.mMutex); }
+  qvMutex_t mMutex = {};
+};
+
 // Runs aBody on another thread and waits for it.
 template <typename Body>
 void OnAnotherThread(Body aBody) {
@@ -31,6 +49,15 @@ void OnAnotherThread(Body aBody) {
 }
 
 }  // namespace
+
+// Stands in for the system's function, so that it can be made to fail.
+extern "C" int pthread_mutex_init(pthread_mutex_t* aMutex, const pthread_mutexattr_t* anAttribute) noexcept {
+  if (gfInitFails) {
+    return ENOMEM;
+  }
+  using Function = int (*)(pthread_mutex_t*, const pthread_mutexattr_t*);
+  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_mutex_init"))(aMutex, anAttribute);
+}
 
 TEST(qvMutex, StatusCodesHaveTheirValues) {
   EXPECT_EQ(0, qvMutex_Status_NoError);
@@ -60,6 +87,32 @@ TEST(qvMutex, ANewMutexIsAliveAndFree) {
   EXPECT_EQ(static_cast<pthread_t>(0), theMutex->mOwnerThread);
   EXPECT_EQ(0u, theMutex->mLockCount);
   EXPECT_FALSE(qvMutex_IsHeld(theMutex.get()));
+}
+
+TEST(qvMutex, AMutexThatTheSystemCannotMakeIsNull) {
+  gfInitFails = true;
+  qvOSMutex* theMutex = qvMutex_New();
+  gfInitFails = false;
+  EXPECT_EQ(nullptr, theMutex);
+}
+
+TEST(qvMutex, ALockThatTheSystemRefusesIsAnErrorAndChangesNothing) {
+  RefusingMutex theRefusing;
+  EXPECT_EQ(0, qvMutex_Lock(&theRefusing.mMutex));
+  EXPECT_EQ(1, qvMutex_Lock(&theRefusing.mMutex));
+  EXPECT_EQ(1u, theRefusing.mMutex.mLockCount);
+  EXPECT_EQ(0, qvMutex_Unlock(&theRefusing.mMutex));
+}
+
+TEST(qvMutex, AnUnlockThatTheSystemRefusesIsAnErrorAfterTheCount) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer reports the wrong unlock itself";
+  }
+  RefusingMutex theRefusing;
+  qvMutex_Posix_Tag_Held(&theRefusing.mMutex, 1);
+  EXPECT_EQ(1, qvMutex_Unlock(&theRefusing.mMutex));
+  EXPECT_EQ(0u, theRefusing.mMutex.mLockCount);
+  EXPECT_EQ(static_cast<pthread_t>(0), theRefusing.mMutex.mOwnerThread);
 }
 
 TEST(qvMutex, DeletingNullIsHarmless) {

@@ -103,7 +103,7 @@ ChildResult RunProgram(const std::string& aPath, const std::vector<std::string>&
   std::vector<std::string> theWords = EmulatorWords();
   theWords.push_back(aPath);
   theWords.insert(theWords.end(), anArguments.begin(), anArguments.end());
-  return Run([&] {
+  return RunInChild([&] {
     for (const std::string& theSetting : anEnvironment) {
       size_t theEqual = theSetting.find('=');
       if (theEqual == std::string::npos) {

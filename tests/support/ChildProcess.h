@@ -24,6 +24,7 @@ ChildResult RunInChildKeepingTrace(const std::function<void()>& aBody);
 
 // Runs a program (through the emulator where the target needs one) and waits for it. Each entry of
 // anEnvironment is NAME=value, or NAME alone to unset it; the rest of the environment is inherited.
+// A back-trace file is removed.
 ChildResult RunProgram(const std::string& aPath, const std::vector<std::string>& anArguments = {},
                        const std::vector<std::string>& anEnvironment = {});
 
