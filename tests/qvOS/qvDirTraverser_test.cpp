@@ -112,10 +112,8 @@ TEST(qvDirTraverserPath, TheRootDirectoryKeepsItsSlash) {
   EXPECT_EQ("/", PathOf("//"));
   int theStatus = -1;
   qvDirTraverser* theTraverser = qvDirTraverser_New("/");
-  qvDirEntry* theEntry = qvDirTraverser_GetFirst(theTraverser, "tmp", kEverything, &theStatus);
-  ASSERT_NE(nullptr, theEntry);
-  EXPECT_STREQ("tmp", theEntry->mName);
-  EXPECT_EQ(1, theEntry->mfDir);
+  EXPECT_NE(nullptr, qvDirTraverser_GetFirst(theTraverser, "*", qvDIR_DIRS, &theStatus));
+  EXPECT_EQ(kqvDirTraverserStatus_NoError, theStatus);
   qvDirTraverser_Delete(theTraverser);
 }
 
