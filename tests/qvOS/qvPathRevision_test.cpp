@@ -291,6 +291,39 @@ TEST(qvPathRevisionFile, WhatIsNoProgramHasNoRevision) {
   }
 }
 
+TEST(qvPathRevisionFile, TheExampleOfTheDocumentationIsReadAsItSays) {
+  // docs/revision-stamp.md shows these bytes.
+  const struct {
+    size_t mOffset;
+    std::string mBytes;
+  } kParts[] = {
+      {0, "\x7f\x45\x4c\x46\x01"},
+      {32, std::string("\x34\0\0\0", 4)},
+      {46, std::string("\x28\0", 2)},
+      {48, std::string("\x03\0", 2)},
+      {50, std::string("\x02\0", 2)},
+      {92, std::string("\x01\0\0\0", 4)},
+      {96, std::string("\x01\0\0\0", 4)},
+      {108, std::string("\xac\0\0\0", 4)},
+      {112, std::string("\x0a\0\0\0", 4)},
+      {148, std::string("\xb6\0\0\0", 4)},
+      {152, std::string("\x19\0\0\0", 4)},
+      {172, "1234\nmain\n"},
+      {182, std::string("\0.qvra.version\0", 15)},
+      {197, std::string(".shstrtab\0", 10)},
+  };
+  std::string theBytes(207, '\0');
+  for (const auto& thePart : kParts) {
+    theBytes.replace(thePart.mOffset, thePart.mBytes.size(), thePart.mBytes);
+  }
+  ASSERT_EQ(207u, theBytes.size());
+  ScratchFolder theScratch;
+  WriteWholeFile(theScratch.File("image"), theBytes);
+  Stamp theStamp = ReadStamp(theScratch.File("image"));
+  EXPECT_EQ(1234, theStamp.mRevision);
+  EXPECT_EQ("main", theStamp.mBranch);
+}
+
 TEST(qvPathRevisionFile, NullHasNoRevision) {
   char* theBranch = nullptr;
   EXPECT_EQ(0, qvPath_GetBinaryRevision(nullptr, &theBranch));
