@@ -1,4 +1,4 @@
-// Tells what the configuration classes say in a program of its own. The arguments are commands, carried out
+// Tells what the configuration modules say in a program of its own. The arguments are commands, carried out
 // in order; each answer is a line.
 //   chdir DIR              changes the working directory
 //   paths FILE             the two directories that the bootstrap file FILE names, without making them
@@ -6,12 +6,14 @@
 //   static FILE            the same through GetConfigPaths
 //   brand KIND FILE        the brand identifier of KIND
 //   save READ WRITE FILE   whether a setting can be saved
+//   inifile FILE           whether the INI store can save FILE and load it again
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
 
 #include "qv/Config.h"
 #include "qv/ConfigConfig.h"
+#include "qvraTools/qvINIFile.h"
 
 static void PrintPaths(const char* aCommand, const char* aFile) {
   qvCString theReadPath("unset");
@@ -33,6 +35,14 @@ static void SaveSetting(const char* aReadPath, const char* aWritePath, const cha
   printf("%d%d\n", theWasSet, theConfig.Save());
 }
 
+static void SaveAndLoadINIFile(const char* aFile) {
+  qvDictionary* theDictionary = qvDictionary_New(0);
+  qvINIFile_WriteKeyAsString(theDictionary, "s", "k", "v");
+  int theSaved = qvINIFile_SaveINIFile(aFile, theDictionary);
+  printf("%d%d\n", theSaved, qvINIFile_LoadINIFile(aFile, theDictionary));
+  qvDictionary_Delete(theDictionary);
+}
+
 int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     const char* theCommand = argv[i];
@@ -46,6 +56,8 @@ int main(int argc, char** argv) {
     } else if (strcmp(theCommand, "save") == 0) {
       SaveSetting(argv[i + 1], argv[i + 2], argv[i + 3]);
       i += 3;
+    } else if (strcmp(theCommand, "inifile") == 0) {
+      SaveAndLoadINIFile(argv[++i]);
     } else {
       PrintPaths(theCommand, argv[++i]);
     }
