@@ -1,6 +1,7 @@
 // The prefix of a log line and what it is made of: level letter, time stamp, thread, module; process names.
 
 #include <pthread.h>
+#include <stdlib.h>
 #include <string.h>
 #include <time.h>
 #include <unistd.h>
@@ -15,6 +16,8 @@
 #define kqvLogger_ModuleColumns   10
 #define kqvLogger_ProcessNameSize 64 /* bytes */
 #define kqvLogger_ThreadNameSize  10 /* bytes */
+#define kqvLogger_CachedZoneSize  64 /* bytes */
+#define kqvLogger_CachedStampSize 24 /* bytes; a date and a time, less than a record's stamp */
 
 // The process id as the system gave it last; 0: ask again. A child of fork starts with 0.
 static uint32 sProcessId = 0;
@@ -84,8 +87,8 @@ void qvLogger::GenerateBeginLine(qvLogDataEx* aRecord) {
   Append_S(aRecord, " ", 1);
 }
 
-// Date (if it is wanted), time of day and milliseconds into the record. 0 when the system cannot tell the
-// local time; the stamp is then the milliseconds alone.
+// Date (if it is wanted) and time of day. 0 when the system cannot tell the local time; the stamp is then the
+// milliseconds alone.
 static size_t qvLogger_S_FormatLocalTime(char* aText, size_t aSize, int aSeconds) {
   qvtm theLocal;
   if (qvTime_localtime(&aSeconds, &theLocal) == NULL) {
@@ -101,13 +104,56 @@ static size_t qvLogger_S_FormatLocalTime(char* aText, size_t aSize, int aSeconds
   return strftime(aText, aSize, _gfDateActivate ? "%m/%d/%Y %H:%M:%S" : "%H:%M:%S", &theTime);
 }
 
+// What the text of a second depends on, besides the second: the form, and the time zone of the process.
+struct qvLoggerStampKey {
+  int mSeconds;
+  uint16 mfDate;
+  bool mfZoneSet;
+  char mZone[kqvLogger_CachedZoneSize];
+};
+
+// Fails for a time zone that is too long to be remembered.
+static bool qvLogger_S_MakeStampKey(int aSeconds, qvLoggerStampKey* aKey) {
+  const char* theZone = getenv("TZ");
+  memset(aKey, 0, sizeof(*aKey));
+  aKey->mSeconds = aSeconds;
+  aKey->mfDate = _gfDateActivate;
+  aKey->mfZoneSet = theZone != NULL;
+  size_t theLength = theZone != NULL ? strnlen(theZone, sizeof(aKey->mZone)) : 0;
+  if (theLength == sizeof(aKey->mZone)) {
+    return false;
+  }
+  if (theLength > 0) {
+    memcpy(aKey->mZone, theZone, theLength);
+  }
+  return true;
+}
+
+// As qvLogger_S_FormatLocalTime. Converting to local time looks at the system's time-zone file and costs more
+// than all the rest of a prefix, so the text of the last second is kept.
+static size_t qvLogger_S_FormatSecond(char* aText, size_t aSize, int aSeconds) {
+  static qvLoggerStampKey sKey;
+  static char sText[kqvLogger_CachedStampSize];
+  static size_t sLength = 0;  // 0: nothing is kept
+  qvLoggerStampKey theKey;
+  if (!qvLogger_S_MakeStampKey(aSeconds, &theKey)) {
+    return qvLogger_S_FormatLocalTime(aText, aSize, aSeconds);
+  }
+  if (sLength == 0 || memcmp(&theKey, &sKey, sizeof(theKey)) != 0) {
+    sKey = theKey;
+    sLength = qvLogger_S_FormatLocalTime(sText, sizeof(sText), aSeconds);
+  }
+  memcpy(aText, sText, sLength + 1);
+  return sLength;
+}
+
 void qvLogger::Append_LogTime(qvLogDataEx* aRecord) {
   if (aRecord->mTimeStrLen == 0) {
     qvtimeval theNow;
     qvTime_GetTimeOfDay(&theNow);
     char* theText = aRecord->mTimeStr;
     size_t theSize = sizeof(aRecord->mTimeStr);
-    size_t theLength = qvLogger_S_FormatLocalTime(theText, theSize, theNow.tv_sec);
+    size_t theLength = qvLogger_S_FormatSecond(theText, theSize, theNow.tv_sec);
     theLength += static_cast<size_t>(qv_snprintf(theText + theLength, theSize - theLength, ":%03ld",
                                                  static_cast<long>(theNow.tv_usec / 1000)));
     aRecord->mTimeStrLen = theLength;

@@ -205,6 +205,8 @@ static bool RunFrameworkOperation(const std::string& aName) {
     sClock.tv_sec = atol(Next());
     sClock.tv_usec = atol(Next());
     sfClockStopped = true;
+  } else if (aName == "zone") {
+    setenv("TZ", Next(), 1);
   } else {
     return false;
   }

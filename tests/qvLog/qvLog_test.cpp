@@ -29,6 +29,25 @@ TEST(qvLog, AMessageGoesFromBeginToEnd) {
   EXPECT_THAT(theLogger.mMessages, ElementsAre("text 1\n"));
 }
 
+namespace {
+
+void AppendList(const char* aFormat, ...) {
+  va_list theArgs;
+  va_start(theArgs, aFormat);
+  qvLog_Append_VF(aFormat, theArgs);
+  va_end(theArgs);
+}
+
+}  // namespace
+
+TEST(qvLog, AListOfArgumentsIsFormattedLikeTheArguments) {
+  RecordingLogger theLogger(2);
+  qvLogData* theData = qvLog_Begin(1, 0);
+  AppendList("%s %d %.2f", "text", 1, 0.25);
+  qvLog_End(theData);
+  EXPECT_THAT(theLogger.mMessages, ElementsAre("text 1 0.25"));
+}
+
 TEST(qvLog, TheRecordCarriesLevelModuleAndWhatTheClientStores) {
   RecordingLogger theLogger(5);
   qvLogData* theData = qvLog_Begin(4, 300);

@@ -6,6 +6,7 @@
 #include <time.h>
 
 #include "qvLog/qvLoggerConfig_p.h"
+#include "support/LogProgram.h"
 #include "support/RecordingLogger.h"
 
 namespace {
@@ -145,4 +146,50 @@ TEST(qvLoggerPrefix, TheProcessNameIsNotPartOfThePrefixButCanBeAppended) {
   theLogger.Append_ProcessNameOrId(static_cast<qvLogDataEx*>(theData));
   EXPECT_EQ("qvLoggerPrefix_test", theLogger.mText);
   qvLog_End(theData);
+}
+
+namespace {
+
+// The stamps of the lines on standard error.
+std::vector<std::string> Stamps(const std::vector<std::string>& anOperations) {
+  LogProgram theProgram;
+  theProgram.Configure("[file]\nlevel=all\n");
+  std::string theText = theProgram.Run(anOperations).mStderr;
+  std::vector<std::string> theStamps;
+  for (size_t theFound = theText.find("\nE "); theFound != std::string::npos;
+       theFound = theText.find("\nE ", theFound + 1)) {
+    theStamps.push_back(theText.substr(theFound + 3, 12));
+  }
+  return theStamps;
+}
+
+}  // namespace
+
+TEST(qvLoggerPrefix, TheStampHasTheMillisecondsOfTheMessage) {
+  EXPECT_EQ(
+      std::vector<std::string>({"14:03:07:042", "14:03:07:000", "14:03:07:999", "14:03:08:001"}),
+      Stamps({"clock", "1709647387", "42999",  "log", "1", "0", "x\n",  // microseconds are cut, not rounded
+              "clock", "1709647387", "0",      "log", "1", "0", "x\n",  // the first millisecond
+              "clock", "1709647387", "999999", "log", "1", "0", "x\n",  // the last one
+              "clock", "1709647388", "1000",   "log", "1", "0", "x\n"}));  // the next second
+}
+
+TEST(qvLoggerPrefix, AStampGoesBackWithTheClock) {
+  EXPECT_EQ(std::vector<std::string>({"14:03:07:042", "14:03:06:042"}),
+            Stamps({"clock", "1709647387", "42000", "log", "1", "0", "x\n", "clock", "1709647386", "42000",
+                    "log", "1", "0", "x\n"}));
+}
+
+TEST(qvLoggerPrefix, AChangeOfTheTimeZoneShowsInTheSameSecond) {
+  EXPECT_EQ(std::vector<std::string>({"14:03:07:000", "15:03:07:000", "16:03:07:000", "14:03:07:000"}),
+            Stamps({"clock", "1709647387", "0", "log", "1",    "0",     "x\n", "zone", "ABC-1",
+                    "log",   "1",          "0", "x\n", "zone", "ABC-2", "log", "1",    "0",
+                    "x\n",   "zone",       "",  "log", "1",    "0",     "x\n"}));
+}
+
+TEST(qvLoggerPrefix, ATimeZoneWithALongNameIsFollowedToo) {
+  std::string theName(80, 'A');
+  EXPECT_EQ(std::vector<std::string>({"15:03:07:000", "16:03:07:000"}),
+            Stamps({"clock", "1709647387", "0", "zone", "<" + theName + ">-1", "log", "1", "0", "x\n", "zone",
+                    "<" + theName + ">-2", "log", "1", "0", "x\n"}));
 }
