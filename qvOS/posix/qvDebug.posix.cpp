@@ -124,6 +124,7 @@ void qvDebug_S_CopyStack(const void* aFrom, void* aTo, size_t aSize) {
 
 void qvDebug_S_PutStackDump(int aFile, const void* aFrame) {
   QVDEBUG_LOG(F("Here is a stack dump, try to find something on your own:\n"));
+  // On standard output the first word follows on the same line.
   fputs("Here is a stack dump, try to find something on your own:", stdout);
   qvDebug_S_CopyStack(aFrame, sStackWords, sizeof(sStackWords));
   char** theSymbols = backtrace_symbols(sStackWords, kqvDebug_StackWords);
