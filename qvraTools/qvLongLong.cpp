@@ -65,6 +65,8 @@ double qvLongLong_GetDouble(qvLongLong* aLongLong) {
   return theNegative ? -theDouble : theDouble;
 }
 
+// KEEP qvLongLongKept.AddPredictsOverflowBeforeTheCarry
+// Only the high words are looked at, so the sum -2^63 counts as an overflow when a carry leads to it.
 static int qvLongLong_S_PredictAddOverflow(int32 aHighX, int32 aHighY) {
   if (aHighX > 0 && aHighY > 0) {
     return aHighY > INT32_MAX - aHighX;
@@ -136,6 +138,8 @@ int qvLongLong_SubUInt32(qvLongLong* aLongLong, uint32 anUInt32) {
   return qvLongLong_Sub(aLongLong, &theSubtrahend);
 }
 
+// KEEP qvLongLongKept.MultReportsTheAdditionsOnly
+// Bits that leave the multiplicand are not reported; sums that wrap on the way to a right product are.
 int qvLongLong_Mult(qvLongLong* aLongLong, const qvLongLong* aMultiplier) {
   qvLongLong theMultiplicand = *aLongLong;
   qvULongLong theMultiplier = qvLongLong_S_ToBits(aMultiplier);

@@ -75,9 +75,9 @@ QVLOG_API int qvLongLong_Sub(qvLongLong* aLongLong, const qvLongLong* aLongLongT
 QVLOG_API int qvLongLong_SubInt32(qvLongLong* aLongLong, int32 anInt32);
 QVLOG_API int qvLongLong_SubUInt32(qvLongLong* aLongLong, uint32 anUInt32);
 
-/* Reports an overflow when one of the additions that make up the product overflowed. The bits of a negative
- * multiplier reach to the top, so that a positive number times a negative one is reported in most cases; a
- * negative number times a small positive one is not. */
+/* The product is right (modulo 2^64), the overflow is not: it is that of the additions which make up the
+ * product. Bits that leave the multiplicand are not reported, so 2^62 times 2 gives 0; a negative multiplier
+ * has bits up to the top, so most products with one give 1. */
 QVLOG_API int qvLongLong_Mult(qvLongLong* aLongLong, const qvLongLong* aMultiplier);
 
 /* Truncating division: -7 / 2 is -3, remainder -1; 7 / -2 is -3, remainder 1. Div keeps the quotient, Mod the
