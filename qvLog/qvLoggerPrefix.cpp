@@ -42,9 +42,8 @@ uint32 qvLogger::CurrentProcessId() {
   return theId;
 }
 
-uint32 qvLogger::CurrentThreadId() {
-  return static_cast<uint32>(reinterpret_cast<uintptr_t>(pthread_self()));
-}
+// A C cast, because pthread_t is a number or a pointer.
+uint32 qvLogger::CurrentThreadId() { return (uint32)(uintptr_t)pthread_self(); }
 
 const char* qvLogger::CurrentProcessName() {
   static char sName[kqvLogger_ProcessNameSize];

@@ -37,8 +37,7 @@ static void Write(int aWriter) {
       continue;
     }
     qvLog_Append_F("writer %d ", aWriter);
-    qvLog_Append_F("message %d of %08x\n", i,
-                   static_cast<unsigned int>(reinterpret_cast<uintptr_t>(pthread_self())));
+    qvLog_Append_F("message %d of %08x\n", i, (unsigned int)(uintptr_t)pthread_self());
     qvLog_End(theData);
   }
   --sWriting;

@@ -238,7 +238,7 @@ TEST(qvLogger, TheProcessIdIsTheSystemsAlsoInAChildOfFork) {
 }
 
 TEST(qvLogger, EachThreadHasItsThreadIdCutTo32Bits) {
-  EXPECT_EQ(static_cast<uint32>(reinterpret_cast<uintptr_t>(pthread_self())), qvLogger::CurrentThreadId());
+  EXPECT_EQ((uint32)(uintptr_t)pthread_self(), qvLogger::CurrentThreadId());
   uint32 theOther = 0;
   std::thread([&] { theOther = qvLogger::CurrentThreadId(); }).join();
   EXPECT_NE(theOther, qvLogger::CurrentThreadId());
