@@ -308,8 +308,8 @@ TEST(qvFormatNumber, PrintsLongDoubles) {
   ExpectNumbers(kCases);
 }
 
+TEST(qvFormatNumber, PrintsLongDoublesExactly) {
 #if LDBL_MANT_DIG == 64
-TEST(qvFormatNumber, PrintsLongDoublesOf80Bits) {
   const NumberCase<long double> kCases[] = {
       {"0.1000000000000000000013552527156068805425093160010874271392822266", "%.64Lf", 0.1L},
       {"18446744073709551615", "%.0Lf", 18446744073709551615.0L},
@@ -329,17 +329,39 @@ TEST(qvFormatNumber, PrintsLongDoublesOf80Bits) {
       {"0x0p+0", "%La", 0.0L},
       {"0x0.000000000000001p-16385", "%La", LDBL_TRUE_MIN},
   };
+#else  // the same type as double
+  const NumberCase<long double> kCases[] = {
+      {"0.1000000000000000055511151231257827021181583404541015625000000000", "%.64Lf", 0.1L},
+      {"1.79769313486231570815e+308", "%.20Le", LDBL_MAX},
+      {"4.9407e-324", "%.4Le", LDBL_TRUE_MIN},
+      {"0x1.999999999999ap-4", "%La", 0.1L},
+      {"0x1p+0", "%La", 1.0L},
+      {"0x0.0000000000001p-1022", "%La", LDBL_TRUE_MIN},
+  };
+#endif
   ExpectNumbers(kCases);
 }
 
-TEST(qvFormatNumber, PrintsEveryDigitOfTheSmallestLongDouble) {
-  std::string theText = NarrowText("%.16450Lf", LDBL_TRUE_MIN);
-  ASSERT_EQ(16452u, theText.size());
-  EXPECT_EQ(std::string(4950, '0'), theText.substr(2, 4950));
-  EXPECT_EQ("3645199531882474602528", theText.substr(4952, 22));
-  EXPECT_EQ("12500000", theText.substr(16452 - 8)) << "16445 digits, then zeros";
+TEST(qvFormatNumber, PrintsEveryDigitOfTheSmallestNumber) {
+  std::string theText = NarrowText("%.1080f", 4.9406564584124654e-324);
+  ASSERT_EQ(1082u, theText.size());
+  EXPECT_EQ("0." + std::string(323, '0') + "4940656458412465441765687928", theText.substr(0, 353));
+  EXPECT_EQ("5625000000", theText.substr(1082 - 10)) << "1074 digits, then zeros";
 }
+
+TEST(qvFormatNumber, PrintsEveryDigitOfTheSmallestLongDouble) {
+#if LDBL_MANT_DIG == 64
+  const size_t kZeros = 4950, kDigits = 16445;
+  const char* kFirst = "3645199531882474602528";
+#else  // the same type as double
+  const size_t kZeros = 323, kDigits = 1074;
+  const char* kFirst = "4940656458412465441765";
 #endif
+  std::string theText = NarrowText("%.*Lf", static_cast<int>(kDigits + 5), LDBL_TRUE_MIN);
+  ASSERT_EQ(2 + kDigits + 5, theText.size());
+  EXPECT_EQ("0." + std::string(kZeros, '0') + kFirst, theText.substr(0, 2 + kZeros + 22));
+  EXPECT_EQ("2500000", theText.substr(theText.size() - 7)) << "all digits, then zeros";
+}
 
 TEST(qvFormatNumber, DoesNotDependOnTheRoundingMode) {
   for (int theMode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO, FE_TONEAREST}) {
