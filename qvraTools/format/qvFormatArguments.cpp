@@ -58,12 +58,6 @@ static uint8 qvFormat_S_KindOf(const qvFormatDirective& aDirective) {
   }
 }
 
-qvFormatArguments::qvFormatArguments(va_list aList) : mMode(kMode_Unused), mNamed(0) {
-  va_copy(mList, aList);
-}
-
-qvFormatArguments::~qvFormatArguments() { va_end(mList); }
-
 void qvFormatArguments::Read(uint8 aKind, qvFormatValue* aValue) {
   switch (aKind) {
     case kqvFormatKind_Int:

@@ -16,8 +16,8 @@ union qvFormatValue {
 
 class qvFormatArguments {
  public:
-  explicit qvFormatArguments(va_list aList);
-  ~qvFormatArguments();
+  explicit qvFormatArguments(va_list aList) : mMode(kMode_Unused), mNamed(0) { va_copy(mList, aList); }
+  ~qvFormatArguments() { va_end(mList); }
   qvFormatArguments(const qvFormatArguments&) = delete;
   qvFormatArguments& operator=(const qvFormatArguments&) = delete;
 
@@ -30,6 +30,17 @@ class qvFormatArguments {
   // Returns 0, or a VEXA_ error code with aNext at the character where it was found.
   template <typename Char>
   int BuildTable(const Char*& aNext);
+
+  // The next argument, of a directive without positions; only while IsInOrder.
+  int TakeNextInt() {
+    mMode = kMode_InOrder;
+    return va_arg(mList, int);
+  }
+  const void* TakeNextPointer() {
+    mMode = kMode_InOrder;
+    return va_arg(mList, const void*);
+  }
+  bool IsInOrder() const { return mMode != kMode_ByPosition; }
 
   // True before the first directive was taken or the table was built.
   bool IsUnused() const { return mMode == kMode_Unused; }

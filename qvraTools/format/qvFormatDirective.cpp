@@ -12,14 +12,15 @@ static bool qvFormat_S_IsDigit(Char aChar) {
 // Reads digits, none of them needed. False when no int holds the number; aNext is behind it all the same.
 template <typename Char>
 static bool qvFormat_S_ReadNumber(const Char*& aNext, int* aNumber) {
-  int theNumber = 0;
+  uint32 theNumber = 0;
   bool theFits = true;
   for (; qvFormat_S_IsDigit(*aNext); ++aNext) {
-    int theDigit = static_cast<int>(*aNext - '0');
-    theFits = theFits && theNumber <= (INT_MAX - theDigit) / 10;
-    theNumber = theFits ? theNumber * 10 + theDigit : 0;
+    theFits = theFits && theNumber <= INT_MAX / 10;
+    // At most 2147483649 here, which the wider type holds.
+    theNumber = theFits ? theNumber * 10 + static_cast<uint32>(*aNext - '0') : 0;
+    theFits = theFits && theNumber <= INT_MAX;
   }
-  *aNumber = theNumber;
+  *aNumber = theFits ? static_cast<int>(theNumber) : 0;
   return theFits;
 }
 
@@ -117,16 +118,29 @@ static qvFormatLength qvFormat_S_ReadLength(const Char*& aNext) {
   }
 }
 
-static qvFormatClass qvFormat_S_ClassOf(char aConversion) {
+struct qvFormatConversion {
+  qvFormatClass mClass;
+  uint16 mLengths;  // one bit for each length that goes with it
+};
+
+#define QVFORMAT_LENGTH(aName) (1U << kqvFormatLength_##aName)
+#define QVFORMAT_INTEGER_LENGTHS                                                                    \
+  (QVFORMAT_LENGTH(None) | QVFORMAT_LENGTH(Char) | QVFORMAT_LENGTH(Short) | QVFORMAT_LENGTH(Long) | \
+   QVFORMAT_LENGTH(LongLong) | QVFORMAT_LENGTH(IntMax) | QVFORMAT_LENGTH(PtrDiff) | QVFORMAT_LENGTH(Size))
+#define QVFORMAT_REAL_LENGTHS (QVFORMAT_LENGTH(None) | QVFORMAT_LENGTH(Long) | QVFORMAT_LENGTH(LongDouble))
+#define QVFORMAT_TEXT_LENGTHS (QVFORMAT_LENGTH(None) | QVFORMAT_LENGTH(Long))
+
+// What is not here, such as "%hs", C leaves undefined: it is refused rather than guessed at.
+static qvFormatConversion qvFormat_S_ConversionOf(char aConversion) {
   switch (aConversion) {
     case 'd':
     case 'i':
-      return kqvFormatClass_Signed;
+      return {kqvFormatClass_Signed, QVFORMAT_INTEGER_LENGTHS};
     case 'u':
     case 'o':
     case 'x':
     case 'X':
-      return kqvFormatClass_Unsigned;
+      return {kqvFormatClass_Unsigned, QVFORMAT_INTEGER_LENGTHS};
     case 'e':
     case 'E':
     case 'f':
@@ -135,37 +149,17 @@ static qvFormatClass qvFormat_S_ClassOf(char aConversion) {
     case 'G':
     case 'a':
     case 'A':
-      return kqvFormatClass_Real;
+      return {kqvFormatClass_Real, QVFORMAT_REAL_LENGTHS};
     case 'c':
-      return kqvFormatClass_Character;
+      return {kqvFormatClass_Character, QVFORMAT_TEXT_LENGTHS};
     case 's':
-      return kqvFormatClass_Text;
+      return {kqvFormatClass_Text, QVFORMAT_TEXT_LENGTHS};
     case 'p':
-      return kqvFormatClass_Pointer;
+      return {kqvFormatClass_Pointer, QVFORMAT_LENGTH(None)};
     case 'n':
-      return kqvFormatClass_Count;
+      return {kqvFormatClass_Count, QVFORMAT_INTEGER_LENGTHS};
     default:
-      return kqvFormatClass_Invalid;
-  }
-}
-
-// What C leaves undefined, such as "%hs", is refused rather than guessed at.
-static bool qvFormat_S_AllowsLength(qvFormatClass aClass, qvFormatLength aLength) {
-  if (aLength == kqvFormatLength_None) {
-    return aClass != kqvFormatClass_Invalid;
-  }
-  switch (aClass) {
-    case kqvFormatClass_Signed:
-    case kqvFormatClass_Unsigned:
-    case kqvFormatClass_Count:
-      return aLength != kqvFormatLength_LongDouble;
-    case kqvFormatClass_Real:
-      return aLength == kqvFormatLength_Long || aLength == kqvFormatLength_LongDouble;
-    case kqvFormatClass_Character:
-    case kqvFormatClass_Text:
-      return aLength == kqvFormatLength_Long;
-    default:
-      return false;
+      return {kqvFormatClass_Invalid, 0};
   }
 }
 
@@ -198,23 +192,31 @@ static int qvFormat_S_ReadParts(const Char*& aNext, qvFormatDirective* aDirectiv
 }
 
 template <typename Char>
+static bool qvFormat_S_IsLetter(Char aChar) {
+  return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z');
+}
+
+template <typename Char>
 int qvFormat_ParseDirective(const Char*& aNext, qvFormatDirective* aDirective) {
   *aDirective = qvFormatDirective();
   aDirective->mPrecision = kqvFormat_NoPrecision;
-  int theError = qvFormat_S_ReadParts(aNext, aDirective);
+  // In a local, which stores into the directive cannot change behind the compiler's back.
+  const Char* theNext = aNext;
+  int theError = qvFormat_S_ReadParts(theNext, aDirective);
+  aNext = theNext;
   if (theError != 0) {
     return theError;
   }
-  if (*aNext == 0) {
+  if (*theNext == 0) {
     return VEXA_EOF;
   }
-  bool theIsASCII = *aNext > 0 && *aNext < 0x7f;
-  aDirective->mConversion = theIsASCII ? static_cast<char>(*aNext) : '\0';
-  aDirective->mClass = qvFormat_S_ClassOf(aDirective->mConversion);
-  if (!qvFormat_S_AllowsLength(aDirective->mClass, aDirective->mLength) ||
-      qvFormat_S_MixesPositions(*aDirective)) {
+  char theConversion = qvFormat_S_IsLetter(*theNext) ? static_cast<char>(*theNext) : '\0';
+  qvFormatConversion theKnown = qvFormat_S_ConversionOf(theConversion);
+  if ((theKnown.mLengths >> aDirective->mLength & 1) == 0 || qvFormat_S_MixesPositions(*aDirective)) {
     return VEXA_EINVAL;
   }
+  aDirective->mConversion = theConversion;
+  aDirective->mClass = theKnown.mClass;
   ++aNext;
   return 0;
 }

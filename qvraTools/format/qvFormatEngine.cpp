@@ -8,6 +8,7 @@
 #include "qvraTools/format/qvFormatDirective_p.h"
 #include "qvraTools/format/qvFormatNumber_p.h"
 #include "qvraTools/format/qvFormatOutput_p.h"
+#include "qvraTools/format/qvFormatSimple_p.h"
 #include "qvraTools/format/qvFormatText_p.h"
 #include "qvraTools/qvMalloc.h"
 
@@ -15,6 +16,8 @@
 #define QVFORMAT_NOINLINE __attribute__((noinline))
 
 #define kqvFormat_MaxErrorPosition (INT_MAX >> 8)
+
+#define kqvFormat_ShortText 8
 
 // Outputs up to this length are formatted once, longer ones twice.
 #define kqvFormat_ScratchLength 256
@@ -24,7 +27,7 @@ static void qvFormat_S_WriteNumber(const qvFormatNumber& aNumber, qvFormatOutput
   if (aNumber.mBlanksBefore > 0) {
     anOutput->Fill(' ', aNumber.mBlanksBefore);
   }
-  for (int theIndex = 0; theIndex < aNumber.mPrefixLength; ++theIndex) {
+  for (uint32 theIndex = 0; theIndex < aNumber.mPrefixLength; ++theIndex) {
     anOutput->Put(aNumber.mPrefix[theIndex]);
   }
   if (aNumber.mZerosBefore > 0) {
@@ -162,7 +165,15 @@ static void qvFormat_S_WriteValue(const qvFormatDirective& aDirective, const qvF
   }
 }
 
-static const char* qvFormat_S_FindPercent(const char* aText) { return strchrnul(aText, '%'); }
+// The text between two directives is mostly short, and a call costs more than to look at a few characters.
+static const char* qvFormat_S_FindPercent(const char* aText) {
+  for (int theIndex = 0; theIndex < kqvFormat_ShortText; ++theIndex, ++aText) {
+    if (*aText == '%' || *aText == '\0') {
+      return aText;
+    }
+  }
+  return strchrnul(aText, '%');
+}
 
 static const wchar_t* qvFormat_S_FindPercent(const wchar_t* aText) {
   while (*aText != 0 && *aText != L'%') {
@@ -178,6 +189,9 @@ static int qvFormat_S_WriteDirective(const Char*& aNext, qvFormatArguments* anAr
                                      qvFormatOutput<Char>* anOutput) {
   if (*aNext == '%') {
     anOutput->Put(*aNext++);
+    return 0;
+  }
+  if (qvFormatSimple_Write(aNext, anArguments, anOutput)) {
     return 0;
   }
   const Char* theStart = aNext - 1;

@@ -6,8 +6,7 @@
 static const char kqvFormat_LowerDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
 static const char kqvFormat_UpperDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
-// 00 to 99: two digits a division.
-static const char kqvFormat_Pairs[] =
+const char kqvFormat_Pairs[] =
     "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051"
     "525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
@@ -43,9 +42,17 @@ static char* qvFormat_S_WriteDecimal(char* anEnd, uint64 aValue) {
   return qvFormat_S_WriteDecimal32(anEnd, static_cast<uint32>(aValue));
 }
 
-static char* qvFormat_S_WritePowerOfTwo(char* anEnd, uint64 aValue, int aShift, const char* aDigits) {
-  for (; aValue != 0; aValue >>= aShift) {
-    *--anEnd = aDigits[aValue & ((1U << aShift) - 1)];
+static char* qvFormat_S_WriteOctal(char* anEnd, uint64 aValue) {
+  for (; aValue != 0; aValue >>= 3) {
+    *--anEnd = kqvFormat_LowerDigits[aValue & 7];
+  }
+  return anEnd;
+}
+
+static char* qvFormat_S_WriteHex(char* anEnd, uint64 aValue, bool afUpper) {
+  const char* theDigits = afUpper ? kqvFormat_UpperDigits : kqvFormat_LowerDigits;
+  for (; aValue != 0; aValue >>= 4) {
+    *--anEnd = theDigits[aValue & 15];
   }
   return anEnd;
 }
@@ -83,8 +90,8 @@ static uint64 qvFormat_S_AsLength(uint64 aValue, qvFormatLength aLength, bool af
 }
 
 void qvFormatNumber_Pad(const qvFormatDirective& aDirective, bool afZeros, qvFormatNumber* aNumber) {
-  size_t theWidth = static_cast<size_t>(aDirective.mWidth);
-  size_t theLength = aNumber->mPrefixLength + aNumber->mZerosBefore + aNumber->mDigitCount +
+  uint32 theWidth = static_cast<uint32>(aDirective.mWidth);
+  uint32 theLength = aNumber->mPrefixLength + aNumber->mZerosBefore + aNumber->mDigitCount +
                      aNumber->mZerosAfter + aNumber->mSuffixLength;
   if (theWidth <= theLength) {
     return;
@@ -100,7 +107,7 @@ void qvFormatNumber_Pad(const qvFormatDirective& aDirective, bool afZeros, qvFor
 
 static void qvFormat_S_SetDigits(const char* aDigits, const char* anEnd, qvFormatNumber* aNumber) {
   aNumber->mDigits = aDigits;
-  aNumber->mDigitCount = static_cast<size_t>(anEnd - aDigits);
+  aNumber->mDigitCount = static_cast<uint32>(anEnd - aDigits);
 }
 
 static void qvFormat_S_SetHexPrefix(char anX, qvFormatNumber* aNumber) {
@@ -116,7 +123,7 @@ static void qvFormat_S_SetUnsigned(const qvFormatDirective& aDirective, uint64 a
   const char* theFirst = nullptr;
   switch (aDirective.mConversion) {
     case 'o':
-      theFirst = qvFormat_S_WritePowerOfTwo(anEnd, aValue, 3, kqvFormat_LowerDigits);
+      theFirst = qvFormat_S_WriteOctal(anEnd, aValue);
       // A leading zero, unless the precision asks for one anyway.
       if (theAlternative && aDirective.mPrecision <= anEnd - theFirst &&
           (aValue != 0 || aDirective.mPrecision == 0)) {
@@ -125,8 +132,7 @@ static void qvFormat_S_SetUnsigned(const qvFormatDirective& aDirective, uint64 a
       break;
     case 'x':
     case 'X':
-      theFirst = qvFormat_S_WritePowerOfTwo(
-          anEnd, aValue, 4, aDirective.mConversion == 'x' ? kqvFormat_LowerDigits : kqvFormat_UpperDigits);
+      theFirst = qvFormat_S_WriteHex(anEnd, aValue, aDirective.mConversion == 'X');
       if (theAlternative && aValue != 0) {
         qvFormat_S_SetHexPrefix(aDirective.mConversion, aNumber);
       }
@@ -163,7 +169,7 @@ void qvFormatNumber_SetInteger(const qvFormatDirective& aDirective, uint64 aValu
     qvFormat_S_SetUnsigned(aDirective, theValue, theEnd, aNumber);
   }
   // The least number of digits is 1, so 0 is "0" except with precision 0.
-  size_t theLeast = aDirective.mPrecision < 0 ? 1 : static_cast<size_t>(aDirective.mPrecision);
+  uint32 theLeast = aDirective.mPrecision < 0 ? 1 : static_cast<uint32>(aDirective.mPrecision);
   if (aNumber->mZerosBefore + aNumber->mDigitCount < theLeast) {
     aNumber->mZerosBefore = theLeast - aNumber->mDigitCount;
   }
@@ -176,9 +182,8 @@ void qvFormatNumber_SetPointer(const qvFormatDirective& aDirective, const void* 
   char* theEnd = aBuffer + kqvFormatInteger_BufferSize;
   *aNumber = qvFormatNumber();
   qvFormat_S_SetHexPrefix('x', aNumber);
-  qvFormat_S_SetDigits(
-      qvFormat_S_WritePowerOfTwo(theEnd, reinterpret_cast<uintptr_t>(aValue), 4, kqvFormat_LowerDigits),
-      theEnd, aNumber);
+  qvFormat_S_SetDigits(qvFormat_S_WriteHex(theEnd, reinterpret_cast<uintptr_t>(aValue), false), theEnd,
+                       aNumber);
   if (aNumber->mDigitCount < kqvFormatInteger_PointerDigits) {
     aNumber->mZerosBefore = kqvFormatInteger_PointerDigits - aNumber->mDigitCount;
   }

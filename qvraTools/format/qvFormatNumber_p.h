@@ -13,17 +13,20 @@
 #include "qvraTools/format/qvFormatDirective_p.h"
 
 struct qvFormatNumber {
-  size_t mBlanksBefore;
-  char mPrefix[3];  // sign and "0x"
-  uint8 mPrefixLength;
-  size_t mZerosBefore;
   const char* mDigits;
-  size_t mDigitCount;
-  size_t mZerosAfter;
   const char* mSuffix;  // an exponent
-  size_t mSuffixLength;
-  size_t mBlanksAfter;
+  uint32 mDigitCount;
+  uint32 mSuffixLength;
+  uint32 mBlanksBefore;
+  uint32 mZerosBefore;
+  uint32 mZerosAfter;
+  uint32 mBlanksAfter;
+  uint32 mPrefixLength;
+  char mPrefix[4];  // sign and "0x"
 };
+
+// 00 to 99: two digits a division.
+extern const char kqvFormat_Pairs[];
 
 // Characters that the digits of a number need at most; the caller provides them.
 #define kqvFormatInteger_BufferSize 24 /* 22 octal digits */

@@ -7,6 +7,34 @@
 
 #include "qvOS/qvTypes.h"
 
+// memcpy for the short runs that formatted text is made of: without a call, from a few loads and stores that
+// overlap in the middle.
+inline void qvFormat_CopyBlock(char* aTo, const char* aFrom, size_t aLength) {
+  if (aLength > 16) {
+    memcpy(aTo, aFrom, aLength);
+  } else if (aLength >= 8) {
+    uint64 theHead, theTail;
+    memcpy(&theHead, aFrom, 8);
+    memcpy(&theTail, aFrom + aLength - 8, 8);
+    memcpy(aTo, &theHead, 8);
+    memcpy(aTo + aLength - 8, &theTail, 8);
+  } else if (aLength >= 4) {
+    uint32 theHead, theTail;
+    memcpy(&theHead, aFrom, 4);
+    memcpy(&theTail, aFrom + aLength - 4, 4);
+    memcpy(aTo, &theHead, 4);
+    memcpy(aTo + aLength - 4, &theTail, 4);
+  } else {
+    for (size_t theIndex = 0; theIndex < aLength; ++theIndex) {
+      aTo[theIndex] = aFrom[theIndex];
+    }
+  }
+}
+
+inline void qvFormat_CopyBlock(wchar_t* aTo, const wchar_t* aFrom, size_t aLength) {
+  memcpy(aTo, aFrom, aLength * sizeof(wchar_t));
+}
+
 // Runs of characters are stored as blocks, never beyond the room, so a run that is only counted costs
 // nothing.
 template <typename Char>
@@ -31,22 +59,27 @@ class qvFormatOutput {
   void Append(const Char* aText, size_t aLength) {
     size_t theStored = Count(aLength);
     if (theStored > 0) {
-      memcpy(mNext, aText, theStored * sizeof(Char));
+      qvFormat_CopyBlock(mNext, aText, theStored);
       Advance(theStored);
     }
   }
 
-  // ASCII text of either width.
+  // ASCII text for either width. It was mostly written a moment ago, in small pieces: read again in small
+  // pieces it comes from the processor's store buffer, where larger ones would have to wait.
   void AppendASCII(const char* aText, size_t aLength) {
-    if constexpr (sizeof(Char) == 1) {
-      Append(aText, aLength);
-    } else {
-      size_t theStored = Count(aLength);
-      for (size_t theIndex = 0; theIndex < theStored; ++theIndex) {
-        mNext[theIndex] = static_cast<Char>(aText[theIndex]);
-      }
-      Advance(theStored);
+    size_t theStored = Count(aLength);
+    for (size_t theIndex = 0; theIndex < theStored; ++theIndex) {
+      mNext[theIndex] = static_cast<Char>(aText[theIndex]);
     }
+    Advance(theStored);
+  }
+
+  // Where to write aLength characters directly, to be followed by Wrote; null when there is not that much
+  // room.
+  Char* Reserve(size_t aLength) { return aLength <= mRoom ? mNext : nullptr; }
+  void Wrote(size_t aLength) {
+    mCount += aLength;
+    Advance(aLength);
   }
 
   void Fill(Char aChar, size_t aLength) {

@@ -56,8 +56,8 @@ static void qvFormat_S_SetFixed(const qvFormatDirective& aDirective, const qvFor
     *theEnd++ = '.';
   }
   aNumber->mDigits = aBuffer;
-  aNumber->mDigitCount = static_cast<size_t>(theEnd - aBuffer);
-  aNumber->mZerosAfter = static_cast<size_t>(aPrecision - theGiven);
+  aNumber->mDigitCount = static_cast<uint32>(theEnd - aBuffer);
+  aNumber->mZerosAfter = static_cast<uint32>(aPrecision - theGiven);
 }
 
 // The "e" of a text that ends in "e+dd" or more digits.
@@ -85,9 +85,9 @@ static void qvFormat_S_SetMantissaAndExponent(const qvFormatDirective& aDirectiv
     *anExponent = 'E';
   }
   aNumber->mDigits = aStart;
-  aNumber->mDigitCount = static_cast<size_t>(aMantissaEnd - aStart);
+  aNumber->mDigitCount = static_cast<uint32>(aMantissaEnd - aStart);
   aNumber->mSuffix = anExponent;
-  aNumber->mSuffixLength = static_cast<size_t>(anEnd - anExponent);
+  aNumber->mSuffixLength = static_cast<uint32>(anEnd - anExponent);
 }
 
 // Puts a point behind the single digit "d" of "de+dd". The exponent moves by one.
@@ -107,7 +107,7 @@ static void qvFormat_S_SetScientific(const qvFormatDirective& aDirective, const 
   }
   char* theExponent = qvFormat_S_FindExponent(theEnd);
   qvFormat_S_SetMantissaAndExponent(aDirective, aBuffer, theExponent, theExponent, theEnd, aNumber);
-  aNumber->mZerosAfter = static_cast<size_t>(aPrecision - theGiven);
+  aNumber->mZerosAfter = static_cast<uint32>(aPrecision - theGiven);
 }
 
 // The number behind the "e".
@@ -164,10 +164,10 @@ static void qvFormat_S_SetGeneral(const qvFormatDirective& aDirective, const qvF
       theMantissaEnd = qvFormat_S_StripZeros(theMantissaEnd);
     }
     aNumber->mDigits = theStart;
-    aNumber->mDigitCount = static_cast<size_t>(theMantissaEnd - theStart);
+    aNumber->mDigitCount = static_cast<uint32>(theMantissaEnd - theStart);
   }
   if (theKeepZeros) {
-    aNumber->mZerosAfter = static_cast<size_t>(theDigits - 1 - theGiven);
+    aNumber->mZerosAfter = static_cast<uint32>(theDigits - 1 - theGiven);
   }
 }
 
@@ -256,11 +256,11 @@ static void qvFormat_S_SetHex(const qvFormatDirective& aDirective, const qvForma
   aNumber->mPrefix[aNumber->mPrefixLength++] = '0';
   aNumber->mPrefix[aNumber->mPrefixLength++] = theUpper ? 'X' : 'x';
   aNumber->mDigits = aBuffer;
-  aNumber->mDigitCount = static_cast<size_t>(theEnd - aBuffer);
-  aNumber->mZerosAfter = thePrecision > theGiven ? static_cast<size_t>(thePrecision - theGiven) : 0;
+  aNumber->mDigitCount = static_cast<uint32>(theEnd - aBuffer);
+  aNumber->mZerosAfter = thePrecision > theGiven ? static_cast<uint32>(thePrecision - theGiven) : 0;
   char* theSuffixEnd = qvFormat_S_WriteBinaryExponent(theEnd, theUpper ? 'P' : 'p', theParts.mExponent);
   aNumber->mSuffix = theEnd;
-  aNumber->mSuffixLength = static_cast<size_t>(theSuffixEnd - theEnd);
+  aNumber->mSuffixLength = static_cast<uint32>(theSuffixEnd - theEnd);
 }
 
 static void qvFormat_S_SetFinite(const qvFormatDirective& aDirective, const qvFormatReal& aReal,

@@ -62,7 +62,7 @@ static size_t qvFormat_S_PutWide(uint32 aChar, qvFormatOutput<char>* anOutput) {
   }
   char theBytes[kqvFormatText_MaxUTF8];
   size_t theLength = qvUnicode_WriteUTF8Char(theBytes, sizeof theBytes, aChar);
-  anOutput->Append(theBytes, theLength);
+  anOutput->AppendASCII(theBytes, theLength);
   return theLength;
 }
 
@@ -70,7 +70,8 @@ static size_t qvFormat_S_PutWide(uint32 aChar, qvFormatOutput<char>* anOutput) {
 static size_t qvFormat_S_ConvertedLength(const wchar_t* aText, size_t aLimit) {
   size_t theLength = 0;
   while (theLength < aLimit && *aText != 0) {
-    size_t theNext = qvUnicode_UTF8CharLength(static_cast<uint32>(*aText++));
+    uint32 theChar = static_cast<uint32>(*aText++);
+    size_t theNext = theChar < 0x80 ? 1 : qvUnicode_UTF8CharLength(theChar);
     if (theNext > aLimit - theLength) {
       break;
     }
