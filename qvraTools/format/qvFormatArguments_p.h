@@ -6,6 +6,7 @@
 
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/format/qvFormatDirective_p.h"
+#include "qvraTools/format/qvFormatEngine_p.h"
 
 union qvFormatValue {
   uint64 mInteger;  // sign-extended when the argument is signed
@@ -16,8 +17,7 @@ union qvFormatValue {
 
 class qvFormatArguments {
  public:
-  explicit qvFormatArguments(va_list aList) : mMode(kMode_Unused), mNamed(0) { va_copy(mList, aList); }
-  ~qvFormatArguments() { va_end(mList); }
+  explicit qvFormatArguments(qvFormatList* aList) : mList(aList->mList), mMode(kMode_Unused), mNamed(0) {}
   qvFormatArguments(const qvFormatArguments&) = delete;
   qvFormatArguments& operator=(const qvFormatArguments&) = delete;
 
@@ -53,7 +53,7 @@ class qvFormatArguments {
   int NameAll(const qvFormatDirective& aDirective);
   int Name(int aPosition, uint8 aKind);
 
-  va_list mList;
+  va_list& mList;
   Mode mMode;
   int mNamed;                           // the highest position named by the format
   uint8 mKinds[kqvFormat_MaxPosition];  // by position - 1; both tables are unset until BuildTable

@@ -246,7 +246,7 @@ static int qvFormat_S_MakeError(int aCode, size_t aPosition) {
 }
 
 template <typename Char>
-int qvFormat_Write(Char* aBuffer, size_t aMax, const Char* aFormat, va_list aList) {
+int qvFormat_Write(Char* aBuffer, size_t aMax, const Char* aFormat, qvFormatList* aList) {
   qvFormatOutput<Char> theOutput(aBuffer, aMax > 0 ? aMax - 1 : 0);
   qvFormatArguments theArguments(aList);
   const Char* theNext = aFormat;
@@ -264,13 +264,16 @@ int qvFormat_Write(Char* aBuffer, size_t aMax, const Char* aFormat, va_list aLis
 }
 
 template <typename Char>
-Char* qvFormat_Allocate(size_t* aLength, const Char* aFormat, va_list aList) {
+Char* qvFormat_Allocate(size_t* aLength, const Char* aFormat, qvFormatList* aList) {
   if (aLength != nullptr) {
     *aLength = 0;
   }
   // The pass that measures keeps what fits a small buffer, so that most outputs need no second pass.
   Char theScratch[kqvFormat_ScratchLength];
-  int theResult = qvFormat_Write(theScratch, kqvFormat_ScratchLength, aFormat, aList);
+  qvFormatList theList;
+  va_copy(theList.mList, aList->mList);
+  int theResult = qvFormat_Write(theScratch, kqvFormat_ScratchLength, aFormat, &theList);
+  va_end(theList.mList);
   if (theResult < 0) {
     return nullptr;
   }
@@ -290,7 +293,7 @@ Char* qvFormat_Allocate(size_t* aLength, const Char* aFormat, va_list aList) {
   return theText;
 }
 
-template int qvFormat_Write(char*, size_t, const char*, va_list);
-template int qvFormat_Write(wchar_t*, size_t, const wchar_t*, va_list);
-template char* qvFormat_Allocate(size_t*, const char*, va_list);
-template wchar_t* qvFormat_Allocate(size_t*, const wchar_t*, va_list);
+template int qvFormat_Write(char*, size_t, const char*, qvFormatList*);
+template int qvFormat_Write(wchar_t*, size_t, const wchar_t*, qvFormatList*);
+template char* qvFormat_Allocate(size_t*, const char*, qvFormatList*);
+template wchar_t* qvFormat_Allocate(size_t*, const wchar_t*, qvFormatList*);

@@ -15,11 +15,10 @@
 #define kqvFormatSimple_MaxLength 11 /* a sign and the ten digits of 32 bits */
 
 inline uint32 qvFormatSimple_DecimalLength(uint32 aValue) {
-  uint32 theLength = 1;
-  for (; aValue >= 100; aValue /= 100) {
-    theLength += 2;
-  }
-  return theLength + (aValue >= 10);
+  static const uint32 kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+  // 1233 / 4096 is a little more than the decimal logarithm of 2.
+  uint32 theGuess = static_cast<uint32>(32 - __builtin_clz(aValue | 1)) * 1233 >> 12;
+  return theGuess + (aValue >= kPowers[theGuess] || theGuess == 0);
 }
 
 inline uint32 qvFormatSimple_HexLength(uint32 aValue) {
