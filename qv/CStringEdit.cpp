@@ -124,12 +124,11 @@ qvCString& qvCString::Trim(bool afFromRight) {
 qvCString& qvCString::TrimLeftRight() { return Trim(false).Trim(true); }
 
 qvCString& qvCString::Pad(size_t aCount, char aChar, bool afRight) {
-  if (aCount == 0) {
-    return *this;
-  }
   qvCString theCopies;
-  theCopies.AllocBuffer(aCount);
-  memset(theCopies.mStringPtr, aChar, aCount);
+  if (aCount > 0) {
+    theCopies.AllocBuffer(aCount);
+    memset(theCopies.mStringPtr, aChar, aCount);
+  }
   if (afRight) {
     return *this += theCopies;
   }

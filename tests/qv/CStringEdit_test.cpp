@@ -283,6 +283,11 @@ TEST(qvCStringEdit, TrimDoesNotStopAtZeroBytes) {
   EXPECT_EQ(Bytes("\0"), TextOf(theString.TrimLeftRight()));
 }
 
+TEST(qvCStringEdit, TrimLooksAtNothingBeforeTheText) {
+  static const char kBlanks[] = "    ";
+  EXPECT_EQ("", TextOf(qvCString::FromStaticString(kBlanks + 2).Trim(true)));
+}
+
 TEST(qvCStringEdit, TrimLeavesATextWithNothingToRemoveUntouched) {
   qvCString theString("a b");
   const qvCString theCopy(theString);
@@ -313,6 +318,16 @@ TEST(qvCStringEdit, PadWithNothingChangesNothing) {
   EXPECT_EQ(&theString, &theString.Pad(0, '.', true));
   EXPECT_EQ(&theString, &theString.Pad(0, '.', false));
   EXPECT_EQ("abc", TextOf(theString));
+}
+
+TEST(qvCStringEdit, PadAtTheLeftAlwaysBuildsANewText) {
+  for (size_t theCount : {size_t{0}, size_t{1}}) {
+    qvCString theString("abc");
+    const qvCString theCopy(theString);
+    theString.Pad(theCount, '.', false);
+    EXPECT_NE(theCopy.mCStringData, theString.mCStringData) << theCount;
+    EXPECT_EQ(std::string(theCount, '.') + "abc", TextOf(theString));
+  }
 }
 
 TEST(qvCStringEdit, PadLeavesTheOtherOwnersAlone) {
