@@ -38,9 +38,6 @@ void qvGrowingBuffer::SetNewBufferSizeFunc(qvGrowingBuffer_NewBufferSizeFunc aNe
 
 void qvGrowingBuffer::Append(const char* aPtr, size_t aLength) {
   qvAssert(aPtr != NULL);
-  if (aLength == 0) {
-    return;
-  }
   if (mPos > mSize || aLength > mSize - mPos) {
     // A source inside the block moves with it.
     const uintptr_t theOffset = reinterpret_cast<uintptr_t>(aPtr) - reinterpret_cast<uintptr_t>(mPtr);
@@ -50,8 +47,10 @@ void qvGrowingBuffer::Append(const char* aPtr, size_t aLength) {
     qvAssert(mPos <= mSize && aLength <= mSize - mPos);
     aPtr = thefInside ? mPtr + theOffset : aPtr;
   }
-  memmove(mPtr + mPos, aPtr, aLength);
-  mPos += aLength;
+  if (aLength > 0) {  // without a byte there may be no block
+    memmove(mPtr + mPos, aPtr, aLength);
+    mPos += aLength;
+  }
 }
 
 qvGrowingBuffer& qvGrowingBuffer::operator+=(const char* aStr) {

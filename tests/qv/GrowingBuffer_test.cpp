@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <limits.h>
+#include <malloc.h>
 #include <stddef.h>
 #include <string.h>
 
@@ -250,6 +251,11 @@ TEST(qvGrowingBuffer, ReallocChangesTheBlockOnly) {
   theBuffer += "abc";
   theBuffer.Realloc(500);
   EXPECT_EQ(500u, theBuffer.mSize);
+  EXPECT_LE(500u, malloc_usable_size(theBuffer.mPtr));
+  EXPECT_EQ("abc", TextOf(theBuffer));
+  theBuffer.Realloc(3);
+  EXPECT_EQ(3u, theBuffer.mSize);
+  EXPECT_GT(100u, malloc_usable_size(theBuffer.mPtr));
   EXPECT_EQ("abc", TextOf(theBuffer));
 }
 
@@ -263,6 +269,15 @@ TEST(qvGrowingBuffer, AppendingBehindAPositionThatWasCutOffGrowsTheBlockAgain) {
   EXPECT_EQ(103u, theBuffer.mPos);
 }
 
+TEST(qvGrowingBuffer, AppendingNothingBehindAPositionThatWasCutOffGrowsTheBlockToo) {
+  qvGrowingBuffer theBuffer(100);
+  theBuffer.SetPosition(100);
+  theBuffer.Realloc(10);
+  theBuffer += "";
+  EXPECT_EQ(228u, theBuffer.mSize);
+  EXPECT_EQ(100u, theBuffer.mPos);
+}
+
 TEST(qvGrowingBuffer, TakingOwnershipWithShrinkGivesTheUsedBytesOnly) {
   qvGrowingBuffer theBuffer(300);
   theBuffer += "0123456789";
@@ -270,6 +285,7 @@ TEST(qvGrowingBuffer, TakingOwnershipWithShrinkGivesTheUsedBytesOnly) {
   char* theBlock = theBuffer.TakeOwnership(true, &theLength);
   EXPECT_EQ(10u, theLength);
   EXPECT_EQ(0, memcmp("0123456789", theBlock, 10));
+  EXPECT_LT(malloc_usable_size(theBlock), 100u);
   EXPECT_EQ(NULL, theBuffer.mPtr);
   EXPECT_EQ(0u, theBuffer.mSize);
   EXPECT_EQ(0u, theBuffer.mPos);
@@ -301,6 +317,14 @@ TEST(qvGrowingBuffer, TakingOwnershipOfNothingGivesNull) {
   size_t theLength = 99;
   EXPECT_EQ(NULL, theBuffer.TakeOwnership(true, &theLength));
   EXPECT_EQ(0u, theLength);
+}
+
+TEST(qvGrowingBuffer, TakingOwnershipOfAnEmptyBlockWithShrinkGivesNull) {
+  qvGrowingBuffer theBuffer(300);
+  size_t theLength = 99;
+  EXPECT_EQ(NULL, theBuffer.TakeOwnership(true, &theLength));
+  EXPECT_EQ(0u, theLength);
+  EXPECT_EQ(0u, theBuffer.mSize);
 }
 
 TEST(qvGrowingBuffer, CanBeUsedAgainWhenItsBlockWasTaken) {
