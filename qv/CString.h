@@ -6,7 +6,8 @@
  * wrapped without copying (FromStaticString, FromAllocatedString).
  *
  * What holds for every function:
- *   - A null `const char*` counts as "" unless the function says that it fails an assertion.
+ *   - A null `const char*` counts as "" unless the function says that it fails an assertion. The bare NULL is
+ *     a number for some compilers: qvCString(NULL) may be the text "0", qvCString(nullptr) is empty.
  *   - Arguments may point into the string that is being changed.
  *   - Positions and lengths count bytes. A position that was not found is qvCString::npos.
  *   - An empty needle is never found.
@@ -322,8 +323,8 @@ class QVLOG_API qvCString {
   int CompareNoCase(const qvCString& aCString) const;
   int CompareNoCase(const char* aStr) const;
 
-  /* --- Numbers: see qvConvert.h for the syntax. True when the whole text is a number in range. *aValue is
-   * written in any case, as the parser of that type does --- */
+  /* --- Numbers: see qvConvert.h for the syntax. True when the whole text, up to its first zero byte, is a
+   * number in range. *aValue is written in any case, as the parser of that type does --- */
 
   bool ToInt8(int8* aValue) const;
   bool ToUInt8(uint8* aValue) const;

@@ -205,6 +205,8 @@ TEST(qvCStringPrintf, ALongerTextReadsEveryArgumentAgain) {
   EXPECT_EQ(3006u,
             theString.Printf("%d%s%d%s", 123, Repeated('x', 1500).c_str(), 456, Repeated('y', 1500).c_str()));
   EXPECT_EQ("123" + Repeated('x', 1500) + "456" + Repeated('y', 1500), TextOf(theString));
+  // Room for exactly one character more than the text, by the rule of capacities: 3007 - 15 + 19.
+  EXPECT_EQ(3011u, theString.mCStringData->mAllocatedLength);
 }
 
 TEST(qvCStringPrintf, AZeroByteEndsTheText) {
@@ -378,6 +380,47 @@ TEST(qvCStringKept, BytesBehindAnErasedSequenceAreNotExamined) {
       {"\xF0(((\1", "\1", "the skip ends at the end of the text"},
       {"\xC3(\xC3", "\xC3", "a bad lead is skipped too"},
       {"\1\xC3\xA9x", "\xC3\xA9x", "a lead is skipped; its continuation is then a stray one and stays"},
+  };
+  for (const auto& theCase : kCases) {
+    qvCString theString(theCase.mText);
+    theString.ValidateUTF8(qvCString::kqvKeepPrintable);
+    EXPECT_EQ(theCase.mResult, TextOf(theString)) << theCase.mWhy;
+  }
+}
+
+TEST(qvCStringUTF8, TheLeadByteTellsHowManyBytesGo) {
+  const struct {
+    char mLead;
+    const char* mResult;
+    const char* mWhy;
+  } kCases[] = {
+      {'\xBF', "\xBF(((((", "the last stray continuation byte stays"},
+      {'\xC0', "((((", "the first lead of 2"},
+      {'\xDF', "((((", "the last lead of 2"},
+      {'\xE0', "(((", "the first lead of 3"},
+      {'\xEF', "(((", "the last lead of 3"},
+      {'\xF0', "((", "the first lead of 4"},
+      {'\xF7', "((", "the last lead of 4"},
+      {'\xF8', "\xF8(((((", "from here on leads stay"},
+  };
+  for (const auto& theCase : kCases) {
+    qvCString theString(std::string(1, theCase.mLead).append("(((((").c_str());
+    theString.ValidateUTF8(qvCString::kqvKeepPrintable);
+    EXPECT_EQ(theCase.mResult, TextOf(theString)) << theCase.mWhy;
+  }
+}
+
+TEST(qvCStringUTF8, AContinuationByteLiesBetween80AndBF) {
+  const struct {
+    const char* mText;
+    const char* mResult;
+    const char* mWhy;
+  } kCases[] = {
+      {"\xC3\x80", "\xC3\x80", "the first"},
+      {"\xC3\xBF", "\xC3\xBF", "the last"},
+      {"\xC3\x7F", "", "one below"},
+      {"\xC3\xC0", "", "one above"},
+      {"\xC3\xFF", "", "the top bit is not enough"},
   };
   for (const auto& theCase : kCases) {
     qvCString theString(theCase.mText);

@@ -272,6 +272,8 @@ TEST(qvCStringCompare, CompareNoCaseGivesExactlyMinusOneZeroOrOne) {
       {"A", "z", -1, "a large distance is still -1"},
       {"Z", "a", 1, "a large distance is still 1"},
       {"z", "abc", 1, "a difference goes before the length"},
+      {"abx", "ABC", 1, "a difference at the last byte of both"},
+      {"abC", "aBx", -1, "the same the other way round"},
       {"\xE9", "z", 1, "bytes compare as unsigned"},
       {"_", "a", -1, "letters compare in lower case, where '_' comes first"},
       {"_", "A", -1, "the same for capitals"},

@@ -205,7 +205,48 @@ TEST(qvCStringSharing, AStaticTextIsCopiedOnItsFirstAppend) {
   EXPECT_EQ("abcd", TextOf(theString));
   EXPECT_NE(kStatic, theString.c_str());
   EXPECT_EQ(1, CountOf(theString));
+  EXPECT_EQ(19u, CapacityOf(theString));
   EXPECT_STREQ("abc", kStatic);
+}
+
+TEST(qvCStringSharing, EveryChangeMakesAnOrdinaryTextOfASpecialOne) {
+  const struct {
+    void (*mChange)(qvCString&);
+    const char* mText;
+    const char* mWhy;
+  } kCases[] = {
+      {[](qvCString& aString) { aString = "x"; }, "x", "an assigned text"},
+      {[](qvCString& aString) { aString = 'x'; }, "x", "an assigned character"},
+      {[](qvCString& aString) { aString += "x"; }, " a\xC3x", "an appended text"},
+      {[](qvCString& aString) { aString += aString; }, " a\xC3 a\xC3", "itself, appended"},
+      {[](qvCString& aString) { aString.Insert(1, "x"); }, " xa\xC3", "an inserted text"},
+      {[](qvCString& aString) { aString.Erase(1, 1); }, " \xC3", "an erased part"},
+      {[](qvCString& aString) { aString.Replace("a", "x"); }, " x\xC3", "a replaced text"},
+      {[](qvCString& aString) { aString.Replace(0, 2, "x"); }, "x\xC3", "a replaced range"},
+      {[](qvCString& aString) { aString.Trim(false); }, "a\xC3", "trimmed"},
+      {[](qvCString& aString) { aString.Pad(1, 'x', true); }, " a\xC3x", "padded at the right"},
+      {[](qvCString& aString) { aString.Pad(1, 'x', false); }, "x a\xC3", "padded at the left"},
+      {[](qvCString& aString) { aString.Printf("%d", 1); }, "1", "formatted"},
+      {[](qvCString& aString) { aString.ValidateUTF8(qvCString::kqvKeepValid); }, " a", "cut"},
+      {[](qvCString& aString) { aString.ValidateUTF8(qvCString::kqvKeepPrintable); }, " a", "scanned"},
+      {[](qvCString& aString) {
+         strcpy(aString.GetWriteBuf(3), "xyz");
+         aString.UngetWriteBuf();
+       },
+       "xyz", "written through the buffer"},
+  };
+  static const char kStatic[] = " a\xC3";
+  for (const auto& theCase : kCases) {
+    qvCString theString(qvCString::FromStaticString(kStatic));
+    const qvCString theCopy(theString);
+    theCase.mChange(theString);
+    EXPECT_EQ(theCase.mText, TextOf(theString)) << theCase.mWhy;
+    EXPECT_EQ(1, CountOf(theString)) << theCase.mWhy;
+    EXPECT_GT(kqvCStringData_StaticText, CapacityOf(theString)) << theCase.mWhy;
+    EXPECT_EQ(kStatic, theCopy.c_str()) << theCase.mWhy;
+    EXPECT_EQ(2, CountOf(theCopy)) << theCase.mWhy;
+    EXPECT_STREQ(" a\xC3", kStatic) << theCase.mWhy;
+  }
 }
 
 TEST(qvCStringSharing, AChangeLeavesTheOtherOwnersAlone) {

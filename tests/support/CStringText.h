@@ -7,18 +7,13 @@
 #include <string>
 
 #include "qv/CString.h"
+#include "support/Bytes.h"
 
 // The bytes of a string. Fails the test unless the characters are those of the header and terminated.
 inline std::string TextOf(const qvCString& aString) {
   EXPECT_EQ(aString.mCStringData->StringPtr(), aString.mStringPtr);
   EXPECT_EQ('\0', aString.mStringPtr[aString.length()]);
   return std::string(aString.mStringPtr, aString.length());
-}
-
-// A text that is written with its zero bytes: Bytes("a\0b").
-template <size_t kSize>
-std::string Bytes(const char (&aLiteral)[kSize]) {
-  return std::string(aLiteral, kSize - 1);
 }
 
 // A string of these bytes.
