@@ -48,9 +48,9 @@ QVLOG_API int qvUTF_UTF8ToModifiedUTF8(const char* aText, int aLength, char* anO
 /* Writes modified UTF-8 as UTF-8 into anOut of anOutMax bytes. Returns 1, or 0 when that is too small; anOut
  * then holds what fitted, unterminated. An encoded NUL becomes a zero byte. What is no sequence of 1 to 3
  * bytes is dropped.
- * aLength -1: the text ends at its encoded NUL, which becomes the terminator; a zero byte in front of it
- * fails an assertion. Any other length: reading goes on behind an encoded NUL, and a terminator is written
- * when there is room left for it. */
+ * aLength -1: the text ends at its encoded NUL, which becomes the terminator and behind which nothing is
+ * read; a zero byte in front of it fails an assertion. Any other length: reading goes on behind an encoded
+ * NUL, and a terminator is written when there is room left for it. */
 QVLOG_API int qvUTF_ModifiedUTF8ToUTF8(const char* aText, int aLength, char* anOut, size_t anOutMax);
 
 QV_END_DECLS

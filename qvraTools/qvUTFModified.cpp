@@ -1,7 +1,6 @@
 // The modified UTF-8 of qvUTF.h.
 
 #include <limits.h>
-#include <string.h>
 
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvUTF.h"
@@ -163,14 +162,28 @@ static size_t qvUTF_S_FromModified(qvUTF_S_Output* anOutput, const uint8* anIn, 
   return theTaken;
 }
 
+// The length of a text that its encoded NUL ends, which is counted in; without one, up to a zero byte. The
+// first byte of an encoded NUL is never part of another sequence, so it need not be looked for sequence by
+// sequence. Nothing behind it is read: there need not be a terminator.
+static size_t qvUTF_S_LengthToEncodedNul(const uint8* anIn) {
+  size_t theLength = 0;
+  while (anIn[theLength] != 0) {
+    if (anIn[theLength] == kqvUTF_EncodedNul1 && anIn[theLength + 1] == kqvUTF_EncodedNul2) {
+      return theLength + 2;
+    }
+    ++theLength;
+  }
+  return theLength;
+}
+
 int qvUTF_ModifiedUTF8ToUTF8(const char* aText, int aLength, char* anOut, size_t anOutMax) {
   const uint8* theBytes = reinterpret_cast<const uint8*>(aText);
   bool thefToNull = aLength == kqvUTF_ToEncodedNul;
-  size_t theEnd = thefToNull ? strlen(aText) : qvUTF_S_LengthOrNothing(aLength);
+  size_t theEnd = thefToNull ? qvUTF_S_LengthToEncodedNul(theBytes) : qvUTF_S_LengthOrNothing(aLength);
   qvUTF_S_Output theOutput = {anOut, anOutMax, 0};
   int thefNullDetected = 0;
   size_t thePosition = 0;
-  while (thePosition < theEnd && !(thefToNull && thefNullDetected)) {
+  while (thePosition < theEnd) {
     thePosition +=
         qvUTF_S_FromModified(&theOutput, theBytes + thePosition, theEnd - thePosition, &thefNullDetected);
   }

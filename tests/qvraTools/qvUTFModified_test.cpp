@@ -77,6 +77,7 @@ const BadText kBadTexts[] = {
     {"\xF0\x8F\xBF\xBF", "????", "an overlong form of 4 bytes"},
     {"\xF4\x90\x80\x80", "????", "above what a surrogate pair can carry"},
     {"\xF8\x88\x80\x80\x80", "?????", "a form of 5 bytes"},
+    {"\xF9\x90\x80\x80", "????", "a lead of 5 bytes, whose lower bits would do for 4"},
     {"\xFD\xBF\xBF\xBF\xBF\xBF", "??????", "a form of 6 bytes"},
     {"\xFE\xFF", "??", "no leads at all"},
     {"\xC3\xC3\xA9", "?\xC3\xA9", "a lead where a continuation byte belongs"},
@@ -211,6 +212,7 @@ TEST(qvUTFFromModified, SurrogateWithoutAPartnerIsCopied) {
   EXPECT_EQ("\xED\xB8\x80", FromModified("\xED\xB8\x80"));
   EXPECT_EQ(std::string("\xED\xA0\xBD") + kSmile, FromModified(std::string("\xED\xA0\xBD") + kModifiedSmile));
   EXPECT_EQ("\xED\xA0\xBD\xE2\x82\xAC", FromModified("\xED\xA0\xBD\xE2\x82\xAC"));
+  EXPECT_EQ("\xED\xA0\xBD", FromModified("\xED\xA0\xBD\xF0\x9D\xB8\x80"));  // U+1DE00 is no DE00
 }
 
 TEST(qvUTFFromModified, PairThatIsCutOffIsAHighSurrogateAndStrayBytes) {
@@ -255,6 +257,33 @@ TEST(qvUTFFromModified, WithoutALengthTheEncodedNulIsTheTerminator) {
   char theOut[3];
   EXPECT_EQ(1, qvUTF_ModifiedUTF8ToUTF8("ab\xC0\x80", -1, theOut, 3));
   EXPECT_EQ(0, qvUTF_ModifiedUTF8ToUTF8("ab\xC0\x80", -1, theOut, 2));
+}
+
+TEST(qvUTFFromModified, WithoutALengthNothingBehindTheEncodedNulIsRead) {
+  const struct {
+    const char* mText;
+    std::string mExpected;
+    const char* mWhy;
+  } kCases[] = {
+      {"\xC0\x80", "", "the encoded NUL alone"},
+      {"ab\xC0\x80", "ab", "ASCII in front of it"},
+      {"\xED\xA0\xBD\xED\xB8\x80\xC0\x80", kSmile, "a pair in front of it"},
+      {"\xC0\x81\xC0\x80", "\xC0\x81", "another overlong form in front of it"},
+      {"\xE2\xC0\x80", "", "a lead without its continuation bytes in front of it"},
+      {"\xC0\xC0\x80", "", "its own first byte in front of it"},
+  };
+  for (const auto& theCase : kCases) {
+    std::vector<char> theBytes = Exactly(theCase.mText);
+    char theOut[8];
+    EXPECT_EQ(1, qvUTF_ModifiedUTF8ToUTF8(theBytes.data(), -1, theOut, sizeof(theOut))) << theCase.mWhy;
+    EXPECT_EQ(theCase.mExpected, theOut) << theCase.mWhy;
+  }
+}
+
+TEST(qvUTFFromModified, AnyOtherNegativeLengthIsAnEmptyText) {
+  char theOut[4] = {'#', '#', '#', '#'};
+  EXPECT_EQ(1, qvUTF_ModifiedUTF8ToUTF8("abc", -2, theOut, sizeof(theOut)));
+  EXPECT_EQ('\0', theOut[0]);
 }
 
 TEST(qvUTFFromModified, WithoutALengthOrAnEncodedNulAsserts) {

@@ -109,6 +109,7 @@ TEST(qvUTFToLatin1, ASCIIAndStrayContinuationBytesAreCopied) {
 }
 
 TEST(qvUTFToLatin1, TwoByteSequenceIsCutTo8Bits) {
+  EXPECT_EQ("!", ToLatin1("\xC0\xA1"));  // overlong, but that does not matter
   EXPECT_EQ("\x80", ToLatin1("\xC2\x80"));
   EXPECT_EQ("\xE9", ToLatin1("\xC3\xA9"));
   EXPECT_EQ("\xFF", ToLatin1("\xC3\xBF"));
@@ -150,6 +151,8 @@ TEST(qvUTFKept, SkipsOneByteMoreThanTheSequenceHas) {
                            "ABCD3"));  // every lead from 0xF0 on skips 4
   EXPECT_EQ("?3", ToLatin1("\xFF"
                            "ABCD3"));
+  EXPECT_EQ("?3", ToLatin1("\xE0"
+                           "ABC3"));  // the first lead that skips 3
   EXPECT_EQ("?3", ToLatin1("\xEF"
                            "ABC3"));  // the last lead that skips 3
   EXPECT_EQ(
