@@ -1,11 +1,11 @@
 #include "qvraTools/qvWString.h"
 
+#include <stdint.h>
 #include <wchar.h>
 
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvMalloc.h"
 #include "qvraTools/qvUnicode.h"
-#include "qvraTools/qvWString_p.h"
 
 #define kqvWString_HeaderSize (2 * sizeof(size_t)) /* bytes: capacity and length */
 #define kqvWString_LastByte   255                  /* the largest value that GetASCII keeps */
@@ -19,6 +19,15 @@ static void* qvWString_S_Block(wchar_t* aString) {
   return reinterpret_cast<char*>(aString) - kqvWString_HeaderSize;
 }
 
+// The bytes of a block for aCapacity characters and a terminator behind a header; a size that nothing can
+// allocate when no size_t holds them.
+static size_t qvWString_S_BlockSize(size_t aHeaderSize, size_t aCapacity) {
+  if (aCapacity >= (SIZE_MAX - aHeaderSize) / sizeof(wchar_t)) {
+    return SIZE_MAX;
+  }
+  return aHeaderSize + (aCapacity + 1) * sizeof(wchar_t);
+}
+
 // A string of aLength characters that are still to be written; its terminator is there.
 static wchar_t* qvWString_S_Make(size_t aLength) {
   wchar_t* theString = qvWString_Alloc(NULL, aLength);
@@ -27,9 +36,10 @@ static wchar_t* qvWString_S_Make(size_t aLength) {
   return theString;
 }
 
-// The condition is printed as it stands here, blank included.
+// The second pass finds the text invalid only when somebody has changed it since the first. The condition is
+// printed as it stands here, blank included.
 // clang-format off
-void qvWString_S_CheckConverted(size_t theConvertedLength) {
+static void qvWString_S_CheckConverted(size_t theConvertedLength) {
   qvAssert(theConvertedLength != (size_t) -1);
 }
 // clang-format on
@@ -58,7 +68,7 @@ wchar_t* qvWString_NewFromUTF8(const char* aText) {
 
 wchar_t* qvWString_Alloc(wchar_t* aString, size_t aCapacity) {
   void* theOldBlock = aString != NULL ? qvWString_S_Block(aString) : NULL;
-  void* theBlock = qvRealloc(theOldBlock, kqvWString_HeaderSize + (aCapacity + 1) * sizeof(wchar_t));
+  void* theBlock = qvRealloc(theOldBlock, qvWString_S_BlockSize(kqvWString_HeaderSize, aCapacity));
   wchar_t* theString = reinterpret_cast<wchar_t*>(static_cast<char*>(theBlock) + kqvWString_HeaderSize);
   qvWString_CAPACITY(theString) = aCapacity;
   if (aString == NULL) {
@@ -157,7 +167,7 @@ wchar_t* qvWString_S_FromUTF8(const char* aText) {
   if (theLength == kqvUnicode_Invalid) {
     return NULL;
   }
-  wchar_t* theResult = static_cast<wchar_t*>(qvMalloc((theLength + 1) * sizeof(wchar_t)));
+  wchar_t* theResult = static_cast<wchar_t*>(qvMalloc(qvWString_S_BlockSize(0, theLength)));
   qvWString_S_CheckConverted(qvUnicode_UTF8ToWide(theResult, aText, theLength + 1));
   return theResult;
 }

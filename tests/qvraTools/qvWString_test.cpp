@@ -1,14 +1,21 @@
 #include "qvraTools/qvWString.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <stdint.h>
 
 #include <cwchar>
 #include <string>
 
 #include "qvraTools/qvMalloc.h"
-#include "qvraTools/qvWString_p.h"
 #include "support/Bytes.h"
+#include "support/ChangingText.h"
 #include "support/ChildProcess.h"
+#include "support/FatalLine.h"
+
+// The sanitizers' allocators end the process themselves unless they are told to return null.
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
 
@@ -77,11 +84,10 @@ TEST(qvWStringNew, NullOrInvalidUTF8GivesNull) {
   EXPECT_EQ(nullptr, qvWString_NewFromUTF8("abc\xC3"));
 }
 
-TEST(qvWStringNew, ConversionThatFailsInItsSecondPassAsserts) {
-  qvWString_S_CheckConverted(0);
-  qvWString_S_CheckConverted(static_cast<size_t>(-2));
-  EXPECT_QV_ASSERTION(qvWString_S_CheckConverted(static_cast<size_t>(-1)),
-                      "theConvertedLength != (size_t) -1", "qvWString");
+TEST(qvWStringNew, UTF8ThatBecomesInvalidBeforeTheSecondPassAsserts) {
+  ChangingText theText("abc", '\x80');
+  EXPECT_QV_ASSERTION(qvWString_NewFromUTF8(theText.Text()), "theConvertedLength != (size_t) -1",
+                      "qvWString");
 }
 
 TEST(qvWStringAlloc, NullMakesANewEmptyString) {
@@ -102,6 +108,25 @@ TEST(qvWStringAlloc, LengthWordIsLeftToTheCaller) {
   theString.Alloc(1);
   EXPECT_EQ(1u, CapacityOf(theString));
   EXPECT_EQ(3u, LengthWordOf(theString));
+}
+
+TEST(qvWStringAlloc, CapacityWhoseSizeNoWordHoldsEndsTheProcess) {
+  const struct {
+    size_t mCapacity;
+    const char* mWhy;
+  } kCases[] = {
+      {SIZE_MAX, "one more for the terminator would be 0"},
+      {SIZE_MAX / sizeof(wchar_t), "the characters would take 0 bytes"},
+      {(SIZE_MAX - 2 * sizeof(size_t)) / sizeof(wchar_t), "with the two words it would be 0 bytes"},
+  };
+  const std::string theExpected = sizeof(size_t) == 8
+                                      ? "qvFatalError: memory:realloc, size=18446744073709551615"
+                                      : "qvFatalError: memory:realloc, size=4294967295";
+  for (const auto& theCase : kCases) {
+    ChildResult theResult = RunInChild([&] { qvWString_Alloc(nullptr, theCase.mCapacity); });
+    EXPECT_EQ(SIGABRT, theResult.mSignal) << theCase.mWhy;
+    EXPECT_EQ(theExpected, FatalLine(theResult.mStderr)) << theCase.mWhy;
+  }
 }
 
 TEST(qvWStringFree, NullIsIgnored) { qvWString_Free(nullptr); }
@@ -291,4 +316,9 @@ TEST(qvWStringPlain, NullOrInvalidUTF8GivesNull) {
   EXPECT_EQ(nullptr, qvWString_S_FromUTF8(nullptr));
   EXPECT_EQ(nullptr, qvWString_S_FromUTF8("\x80"));
   EXPECT_EQ(nullptr, qvWString_S_FromUTF8("ab\xE2\x82"));
+}
+
+TEST(qvWStringPlain, UTF8ThatBecomesInvalidBeforeTheSecondPassAsserts) {
+  ChangingText theText("abc", '\x80');
+  EXPECT_QV_ASSERTION(qvWString_S_FromUTF8(theText.Text()), "theConvertedLength != (size_t) -1", "qvWString");
 }
