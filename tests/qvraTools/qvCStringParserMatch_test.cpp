@@ -112,7 +112,9 @@ TEST(qvCStringParserMatch, ClassIsOneOfItsMembers) {
       {"?[a-c]", "x-", 0, "the dash of a range is no member"},
       {"?[a-cx-z]", "xy", 1, "the second range"},
       {"?[a-cx]", "xx", 1, "a member behind a range"},
+      {"?[\xE9]", "x\xE9", 1, "a member above 0x7F"},
       {"?[\x80-\xFF]", "x\xC3", 1, "ranges compare byte values"},
+      {"?[\x80-\xFF]", "xa", 0, "so ASCII is below this one"},
       {"?[a-\xFF]", "x\x80", 1, "from below 0x80 to above it"},
       {"?[a-\xFF]", "x!", 0, "below the range"},
       {"?[A-z]", "x_", 1, "between the cases"},
@@ -238,6 +240,14 @@ TEST(qvCStringParserMatch, BackslashAtTheEndOfThePatternMatchesNothing) {
       {"a\\", "ab", 0, "a byte is left"},
       {"a\\", "a\\", 0, "not even a backslash"},
       {"*\\", "abc", 0, "behind a star"},
+  });
+}
+
+TEST(qvCStringParserMatch, WithoutALineEndCharacterALineEndIsAByteLikeAnyOther) {
+  ExpectMatches({
+      {"a?b", "a\nb", 1, "one byte"},
+      {"a*b", "a\r\nb", 1, "any bytes"},
+      {"a", "a\n", 0, "it is no end"},
   });
 }
 

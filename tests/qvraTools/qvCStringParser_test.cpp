@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/Bytes.h"
+#include "support/ChangingText.h"
 #include "support/ChildProcess.h"
 
 namespace {
@@ -187,6 +188,10 @@ TEST(qvCStringParserEscaped, EscapeBeforeALongDelimiterHidesItsFirstByteOnly) {
   EXPECT_EQ("<a\\-><b>", TokenizeEscaped("a\\---b", "--", '\\'));
 }
 
+TEST(qvCStringParserEscaped, LastByteOfADelimiterMayBeTheEscapeOfTheNext) {
+  EXPECT_EQ("<a><\\b>", TokenizeEscaped("a\\\\b", "\\", '\\'));
+}
+
 TEST(qvCStringParserQuoted, DelimitersInsideQuotesAreText) {
   EXPECT_EQ("<a><x'b,c'><><d>", TokenizeQuoted("a,x'b,c',d", ","));
   EXPECT_EQ("<a><x\"b,c\"><><d>", TokenizeQuoted("a,x\"b,c\",d", ","));
@@ -293,6 +298,10 @@ TEST(qvCStringParserParameters, OtherWhiteSpaceIsTrimmedButSeparatesNothing) {
 
 TEST(qvCStringParserParameters, TextRightBehindAClosingQuoteIsAnotherParameter) {
   EXPECT_EQ("<x><y>", TokenizeParameterList("'x'y"));
+}
+
+TEST(qvCStringParserParameters, StartsAtTheOffset) {
+  EXPECT_EQ("<b><c>", TakeTokens(qvCStringParser_TokenizeParameterList("ab c", 1, 3)));
 }
 
 TEST(qvCStringParserDelete, NullIsIgnored) { qvCStringParser_Delete(nullptr); }
@@ -484,6 +493,13 @@ TEST(qvCStringParserEscape, ListOfCharactersIsNotChanged) {
   char theChars[] = "ab";
   TakeText(qvCStringParser_EscapeAndSurround("aabb", 4, theChars, '\\', '<', '>'));
   EXPECT_STREQ("ab", theChars);
+}
+
+TEST(qvCStringParserEscape, TextThatChangesAfterItsSizeWasCountedAsserts) {
+  ChangingText theText("\"b", 'a');
+  char theChars[] = "\"";
+  EXPECT_QV_ASSERTION(qvCStringParser_EscapeAndSurround(theText.Text(), 2, theChars, '\\', '<', '>'),
+                      "j == theLength", "qvCStringParser");
 }
 
 TEST(qvCStringParserKept, EscapeIsAlwaysTheBackslash) {
