@@ -4,9 +4,8 @@
 #include "Mediabox.h"
 
 void UserInterface_ShowMenu(int aWidth, int aHeight) {
-  static const wchar_t kTitle[] = L"Men\u00FC\n";
-  QVLOG_INFO(USER_INTERFACE, F("menu of %d by %d\n", aWidth, aHeight));
-  QVLOG_DEBUG(USER_INTERFACE, U(kTitle, sizeof(kTitle) / sizeof(kTitle[0]) - 1));
-  QVLOG_WARN(USER_INTERFACE, F("no translation for '%s'\n", "menu.favourites"));
-  QVLOG_ERR(USER_INTERFACE, F("font '%s' is missing\n", "Serif"));
+  QVLOG_INFO(GUI, F("menu of %d by %d\n", aWidth, aHeight));
+  QVLOG_DEBUG(GUI, F("%d entries, the first is '%s'\n", 12, "Television"));
+  QVLOG_WARN(GUI, F("no translation for '%s'\n", "menu.favourites"));
+  QVLOG_ERR(GUI, F("font '%s' is missing\n", "Serif"));
 }

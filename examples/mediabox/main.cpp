@@ -22,9 +22,9 @@ static void RunScene() {
 }
 
 int main() {
-  // The application's own log takes errors and warnings only.
-  static char sPrefix[] = "application log:";
-  qvLog_SetLogFunc(QVLOGLEVEL_INFO, PrintLine, sPrefix);
+  // The application's own log takes every level.
+  static char sPrefix[] = "application:";
+  qvLog_SetLogFunc(QVLOGLEVEL_DEBUG + 1, PrintLine, sPrefix);
   char theCommand[64];
   while (fgets(theCommand, sizeof(theCommand), stdin) != NULL) {
     theCommand[strcspn(theCommand, "\n")] = '\0';
@@ -34,7 +34,7 @@ int main() {
       qvLog_ReloadConfig();
     } else if (strcmp(theCommand, "restart") == 0) {
       qvLog_Term();
-      qvLog_SetLogFunc(QVLOGLEVEL_INFO, PrintLine, sPrefix);
+      qvLog_SetLogFunc(QVLOGLEVEL_DEBUG + 1, PrintLine, sPrefix);
     }
     puts("ok");
     fflush(stdout);
