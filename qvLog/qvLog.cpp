@@ -121,8 +121,9 @@ void qvLogger::LockFramework() {
   }
 }
 
-// Clears the mark of a surrounding message too: what is logged inside the same output after a framework
-// operation is not recognised as nested.
+// KEEP qvLogKept.AFrameworkOperationInsideALoggersOutputEndsTheProtectionAgainstNestedMessages
+// The mark of a surrounding message is cleared too: what is logged inside the same output afterwards is not
+// recognised as nested.
 void qvLogger::UnlockFramework() { qvLog_S_Leave(); }
 
 bool qvLogger::NeverLog() {

@@ -100,6 +100,9 @@ void qvFuncLogger::RemoveFunc(qvLog_LogFunc aFunc) {
   ChangeLevel(theHighest);
 }
 
+// KEEP qvFuncLoggerKept.TheLaterLinesOfAMultiLineMessageCarryAPrefix
+// No prefix is written here: callbacks get the message text alone. The base writes one before the later lines
+// of a multi-line message all the same.
 bool qvFuncLogger::BeginLog(qvLogDataEx* aRecord) {
   for (qvLoggerFuncEntry* theEntry = mHead; theEntry != NULL; theEntry = theEntry->mNext) {
     if (theEntry->mLevel > aRecord->mLevel) {
