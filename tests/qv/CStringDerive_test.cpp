@@ -137,6 +137,8 @@ TEST(qvCStringDerive, UpperAndLowerChangeAsciiLetters) {
   EXPECT_EQ(Bytes("AZ@[`{09\0ZA\xE9"), TextOf(theString.Upper()));
   EXPECT_EQ(Bytes("az@[`{09\0za\xE9"), TextOf(theString.Lower()));
   EXPECT_EQ(Bytes("aZ@[`{09\0zA\xE9"), TextOf(theString));
+  EXPECT_EQ("xyz", TextOf(qvCString("XYZ").Lower()));
+  EXPECT_EQ("XYZ", TextOf(qvCString("xyz").Upper()));
   EXPECT_TRUE(IsSharedEmptyText(qvCString().Upper()));
   EXPECT_TRUE(IsSharedEmptyText(qvCString().Lower()));
 }

@@ -174,6 +174,7 @@ TEST(qvCStringEdit, ReplaceChangesEveryOccurrenceOrTheFirst) {
       {"aaaa", "aa", "b", true, "bb", 2, "occurrences do not overlap"},
       {"aaa", "aa", "b", true, "ba", 1, "the rest is too short"},
       {"aaa", "aaa", "", true, "", 1, "nothing is left"},
+      {"a-", "-", "", true, "a", 1, "one character is left"},
       {"abc", "x", "y", true, "abc", 0, "not there"},
       {"abc", "", "y", true, "abc", 0, "an empty needle is never found"},
       {"", "a", "y", true, "", 0, "nothing in nothing"},

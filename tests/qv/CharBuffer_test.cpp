@@ -7,7 +7,20 @@
 #include <type_traits>
 
 #include "qvraTools/qvMalloc.h"
+#include "support/ChildProcess.h"
+#include "support/FatalLine.h"
 #include "support/HeapUse.h"
+
+// The sanitizers' allocators end the process themselves unless they are told to return null.
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+
+// One character more wraps to a size of zero. Volatile: the compiler would refuse what it can see.
+static volatile size_t sTooManyCharacters = static_cast<size_t>(-1);
+static volatile size_t sTooManyWideCharacters = static_cast<size_t>(-1) / sizeof(wchar_t);
+static const char* const kTooMuchMemory = sizeof(size_t) == 8
+                                              ? "qvFatalError: memory:malloc, size=18446744073709551615"
+                                              : "qvFatalError: memory:malloc, size=4294967295";
 
 TEST(qvCharBuffer, HoldsNothingButThePointer) {
   EXPECT_EQ(0u, offsetof(qvCharBuffer, mStr));
@@ -53,6 +66,11 @@ TEST(qvCharBuffer, ASizeGivesThatManyCharactersAndATerminator) {
 TEST(qvCharBuffer, ASizeOfZeroGivesTheEmptyText) {
   const qvCharBuffer theBuffer(size_t{0});
   EXPECT_STREQ("", theBuffer.mStr);
+}
+
+TEST(qvCharBuffer, ASizeThatNoMachineHasEndsTheProcess) {
+  const ChildResult theResult = RunInChild([] { qvCharBuffer theBuffer(sTooManyCharacters); });
+  EXPECT_EQ(kTooMuchMemory, FatalLine(theResult.mStderr));
 }
 
 TEST(qvCharBuffer, CopyingLeavesTheSourceNull) {
@@ -149,6 +167,11 @@ TEST(qvWCharBuffer, TheSizeCountsWideCharacters) {
   const qvWCharBuffer theBuffer(size_t{3});
   wmemset(theBuffer.mStr, L'\u20ac', 3);
   EXPECT_STREQ(L"\u20ac\u20ac\u20ac", theBuffer.mStr);
+}
+
+TEST(qvWCharBuffer, ASizeThatNoMachineHasEndsTheProcess) {
+  const ChildResult theResult = RunInChild([] { qvWCharBuffer theBuffer(sTooManyWideCharacters); });
+  EXPECT_EQ(kTooMuchMemory, FatalLine(theResult.mStderr));
 }
 
 TEST(qvWCharBuffer, CopyingAndAssigningMoveTheText) {
