@@ -259,6 +259,8 @@ TEST(qvCStringUTF8, KnowsValidTexts) {
   EXPECT_TRUE(qvCString().IsValidUTF8());
   EXPECT_TRUE(qvCString("abc").IsValidUTF8());
   EXPECT_TRUE(qvCString("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80").IsValidUTF8());
+  EXPECT_TRUE(qvCString("\xFD\xBF\xBF\xBF\xBF\xBF").IsValidUTF8());
+  EXPECT_FALSE(qvCString("\xFE\xBF\xBF\xBF\xBF\xBF\xBF").IsValidUTF8());
   EXPECT_FALSE(qvCString("\x80").IsValidUTF8());
   EXPECT_FALSE(qvCString("a\xC3").IsValidUTF8());
   EXPECT_FALSE(qvCString("\xC3(").IsValidUTF8());

@@ -202,6 +202,13 @@ TEST(qvCStringEdit, ReplaceWithoutAnOccurrenceLeavesTheTextShared) {
   EXPECT_EQ(theCopy.mCStringData, theString.mCStringData);
 }
 
+TEST(qvCStringEdit, ReplaceToMoreThanABlockHoldsFailsAnAssertion) {
+  // 65536 times 65536 bytes wrap to none where size_t has 32 bits.
+  qvCString theString = StringOf(std::string(65536, 'a'));
+  const std::string theNew(65536, 'b');
+  EXPECT_QV_ASSERTION(theString.Replace("a", theNew.c_str(), true), kTooLong, "CString");
+}
+
 TEST(qvCStringEdit, ReplaceTakesItsOwnTextOnBothSides) {
   qvCString theString("abab");
   EXPECT_EQ(1u, theString.Replace(theString.c_str() + 2, theString.c_str(), false));
