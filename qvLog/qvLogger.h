@@ -9,9 +9,8 @@
 #ifndef QVLOG_QVLOGGER_H
 #define QVLOG_QVLOGGER_H
 
+#include "qv/CString.h"
 #include "qvLog/qvLog.h"
-
-class qvCString;
 
 // The record of one message as loggers see it. There is one in the process, used again for every message.
 struct qvLogDataEx : public qvLogData {

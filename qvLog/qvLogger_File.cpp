@@ -1,8 +1,5 @@
 #include "qvLog/qvLogger_File.h"
 
-#include <string.h>
-
-#include "qv/CString.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"

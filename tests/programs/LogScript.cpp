@@ -29,7 +29,6 @@
 #include <iterator>
 #include <string>
 
-#include "qv/CString.h"
 #include "qvLog/qvLogger.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvPath.h"

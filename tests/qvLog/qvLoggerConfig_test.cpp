@@ -35,6 +35,14 @@ TEST(qvLoggerConfig, TheFileIsNamedAfterTheProcess) {
   EXPECT_EQ("qvLog.box.ini\n", LogProgram().Run({"file-name"}).mStdout);
 }
 
+TEST(qvLoggerConfig, ALongProcessNameIsCutTo63Characters) {
+  ScratchFolder theFolder;
+  std::string theName = std::string(60, 'n') + "abcdef";
+  ChildResult theResult = RunProgram(CopyTestProgram("LogScript", theFolder.Path(), theName), {"file-name"});
+  EXPECT_EQ("qvLog." + std::string(60, 'n') + "abc.ini\n", theResult.mStdout);
+  EXPECT_TRUE(FileExists(theFolder.File("_qvLog." + std::string(60, 'n') + "abc.ini")));
+}
+
 TEST(qvLoggerConfig, ALevelWordOrNumberGivesItsThreshold) {
   struct {
     const char* mSetting;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "qv/CString.h"
 #include "support/ClassLayout.h"
 #include "support/LogProgram.h"
 
