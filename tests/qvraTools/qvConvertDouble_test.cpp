@@ -135,6 +135,8 @@ TEST(qvConvertDouble, TheLowLevelFormTellsTheRangeErrorsAndTheEnd) {
       {"0.1e-1021", 0.0, kLow, 0, "digits of the fraction lower the exponent"},
       {"1e99999999999999999999", 0.0, kHigh, 0, "an exponent that no int holds"},
       {"1e-99999999999999999999", 0.0, kLow, 0, "an exponent that no int holds"},
+      {"1e4294967296", 0.0, kHigh, 0, "2^32 does not wrap to 0"},
+      {"1e-4294967297", 0.0, kLow, 0, "nor does its negative neighbour to -1"},
   };
   for (const LowLevelCase& theCase : kCases) {
     Expect(theCase);

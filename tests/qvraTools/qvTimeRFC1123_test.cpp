@@ -167,6 +167,7 @@ TEST(qvTimeRFC1123, NumbersOutOfRangeGoToALaterField) {
       {"0 Nov 1994", 0, 0, 0, 0, 0, 0, 0, 0, "0 is no day but a minute"},
       {"06 Nov 1901", 0, 0, 6, 10, 1, 0, 0, 0, "the first year"},
       {"06 Nov 1900", 0, 0, 6, 10, 0, 0, 0, 0, "1900 is no year, and no minute either"},
+      {"1900 1994", 0, 0, 0, 0, 94, 0, 0, 0, "so the next number may be the year"},
       {"06 Nov 94", 0, 0, 6, 10, 0, 0, 0, 0, "nor is 94"},
       {"06 Nov 99999999", 0, 0, 6, 10, 99998099, 0, 0, 0, "the longest year"},
       {"23:30", 0, 0, 0, 0, 0, 23, 30, 0, "the last hour"},
