@@ -34,7 +34,8 @@ QVLOG_API char* qvPath_Normalize(const char* aPath, int afDir, int aNormalizeMod
 /* 1 for the empty text and for a path that begins with '/' or a backslash; 0 otherwise and for null. */
 QVLOG_API int qvPath_IsAbsolute(const char* aPath);
 
-/* The value of the environment variable "TMPDIR" when it is set, else "/tmp". */
+/* The value of the environment variable "TMPDIR" when it is set, else "/tmp". No other thread may set a
+ * variable meanwhile, see qvPlatform.h. */
 QVLOG_API char* qvPath_GetTempDirPath(void);
 
 /* The same as qvPath_GetTempDirPath. */
@@ -75,7 +76,7 @@ QVLOG_API char* qvPath_GetDefaultConfigPath(void);
  * in its second. 0 when there is no file, no such section or no number. When the text holds two line feeds
  * and aBranch is not null, *aBranch receives the branch as a new text; in every other case it is left alone.
  * Files of the 32-bit and of the 64-bit class are read, little-endian. The file need not be trusted: what it
- * says about itself is checked against its size, and a section of more than 16 MiB counts as broken. */
+ * says about itself is checked against its size, and of a section no more than the first 16 MiB are read. */
 QVLOG_API int qvPath_GetBinaryRevision(const char* aFilePath, char** aBranch);
 
 QV_END_DECLS

@@ -50,7 +50,7 @@ static bool qvDir_S_IsLoop(const char* aLinkPath) {
   char* theLinkName = qvDir_MakeAbsoluteName(aLinkPath);
   bool theIsLoop = theRealPath == NULL || theLinkName == NULL ||
                    strncmp(theLinkName, theRealPath, strlen(theRealPath)) == 0;
-  free(theLinkName);
+  qvFree(theLinkName);
   free(theRealPath);
   return theIsLoop;
 }

@@ -18,7 +18,7 @@
 #define kqvElf_ClassOffset     4        /* bytes; where the class stands in every file            */
 #define kqvElf_Class64         2        /* all other values are read with the 32-bit layout       */
 #define kqvElf_MaxHeaderSize   64       /* bytes; of a file header or a section header            */
-#define kqvElf_MaxSectionSize  16777216 /* bytes; a sparse file can claim any size, so there is a limit */
+#define kqvElf_MaxSectionSize  16777216 /* bytes; no more are read of a section                  */
 
 // A little-endian number in a header.
 struct Elf_Field {
@@ -126,9 +126,13 @@ static bool Elf_ReadSectionHeader(const Elf_File* aFile, uint64 anIndex, Elf_Sec
 }
 
 // The data of a section as a new text, with a terminator behind it; null when it is not whole in the file.
-static char* Elf_ReadSectionData(const Elf_File* aFile, const Elf_SectionHeader* aSection) {
-  if (aSection->mSize > kqvElf_MaxSectionSize || !Elf_IsInFile(aFile, aSection->mOffset, aSection->mSize)) {
+// A sparse file can hold sections of any size, so a very long one is cut, and aSection->mSize with it.
+static char* Elf_ReadSectionData(const Elf_File* aFile, Elf_SectionHeader* aSection) {
+  if (!Elf_IsInFile(aFile, aSection->mOffset, aSection->mSize)) {
     return NULL;
+  }
+  if (aSection->mSize > kqvElf_MaxSectionSize) {
+    aSection->mSize = kqvElf_MaxSectionSize;
   }
   uint32 theSize = static_cast<uint32>(aSection->mSize);
   char* theData = static_cast<char*>(qvMalloc(theSize + 1));

@@ -160,6 +160,7 @@ TEST_F(qvDir, BackslashesInAPathAreSlashes) {
   EXPECT_EQ(1, Exists(mScratch.Path() + "\\new"));
   EXPECT_EQ(1, qvDir_CreatePath((mScratch.Path() + "\\new\\a\\b").c_str()));
   EXPECT_TRUE(IsFolder(mScratch.File("new/a/b")));
+  EXPECT_EQ(0, qvDir_GetTimes((mScratch.Path() + "\\new\\a").c_str(), nullptr, nullptr, nullptr));
   EXPECT_EQ(0, qvDir_Remove((mScratch.Path() + "\\new\\a\\b").c_str()));
   EXPECT_FALSE(FileExists(mScratch.File("new/a/b")));
 }

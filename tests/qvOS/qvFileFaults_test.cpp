@@ -112,6 +112,18 @@ extern "C" int open(const char* aPath, int aFlags, ...) {
   return openat(AT_FDCWD, aPath, aFlags, theMode);
 }
 
+// With large files this is the C library's lseek64.
+extern "C" off_t lseek(int aFD, off_t anOffset, int aWhence) noexcept {
+  using SeekFunc = off_t (*)(int, off_t, int);
+  if (HasAnswer(aFD)) {
+    ssize_t theAnswer = NextAnswer();
+    if (theAnswer != kPassOn) {
+      return theAnswer;
+    }
+  }
+  return reinterpret_cast<SeekFunc>(dlsym(RTLD_NEXT, "lseek64"))(aFD, anOffset, aWhence);
+}
+
 TEST_F(qvFileFaults, AnInterruptedReadIsTriedAgain) {
   Answer(mFD, {-EINTR, -EINTR, kPassOn});
   EXPECT_EQ(10, qvFile_Read(mFD, mBuffer, 10));
@@ -184,6 +196,51 @@ TEST_F(qvFileFaults, ACloseThatFailsOtherwiseIsAnError) {
   EXPECT_EQ(kqvFileErrorUnknown, qvFile_Close(mFD));
   Answer(mFD, {-ENOSPC});
   EXPECT_EQ(kqvFileErrorNoSpace, qvFile_Close(mFD));
+}
+
+TEST_F(qvFileFaults, ASeekThatFailsGivesTheTranslatedError) {
+  Answer(mFD, {-ENOSPC});
+  EXPECT_EQ(kqvFileErrorNoSpace, qvFile_Seek(mFD, 0, qvFileSeekMode_End));
+  qvFileOffset thePosition = 4711;
+  Answer(mFD, {-EROFS});
+  EXPECT_EQ(kqvFileErrorReadOnlyFileSystem, qvFile_Tell(mFD, &thePosition));
+  EXPECT_EQ(-1, thePosition);
+}
+
+TEST_F(qvFileFaults, NeitherSizeNorEndIsKnownWhenASeekFails) {
+  const struct {
+    std::vector<ssize_t> mAnswers;
+    const char* mWhy;
+  } kCases[] = {
+      {{-ENOENT}, "the position is unknown"},
+      {{kPassOn, -ENOENT}, "the end cannot be reached"},
+      {{kPassOn, kPassOn, -ENOENT}, "the position cannot be restored"},
+  };
+  for (const auto& theCase : kCases) {
+    qvFileOffset theSize = 4711;
+    Answer(mFD, theCase.mAnswers);
+    EXPECT_EQ(kqvFileErrorNotFound, qvFile_GetSize(mFD, &theSize)) << theCase.mWhy;
+    EXPECT_EQ(-1, theSize) << theCase.mWhy;
+    Answer(mFD, theCase.mAnswers);
+    EXPECT_EQ(kqvFileErrorNotFound, qvFile_EndOfFile(mFD)) << theCase.mWhy;
+  }
+}
+
+TEST_F(qvFileFaults, AChangeOfSizeThatCannotMoveThePositionFails) {
+  Answer(mFD, {-EIO});
+  EXPECT_EQ(-1, qvFile_ChangeSize(mFD, 0));
+  EXPECT_EQ("", ReadWholeFile(mScratch.File("f")));
+}
+
+TEST_F(qvFileFaults, AppendReportsTheErrorOfItsSeekAndClosesTheFile) {
+  qvFileFD theFD = 4711;
+  int theNext = dup(mFD);  // the descriptor that the next open gets
+  close(theNext);
+  Answer(theNext, {-ENOSPC});
+  EXPECT_EQ(kqvFileErrorNoSpace, qvFile_Open(mScratch.File("f").c_str(), qvFileOpenMode_Append, 0, &theFD));
+  EXPECT_EQ(4711, theFD);
+  EXPECT_EQ(1u, sNextAnswer);
+  EXPECT_EQ(-1, fcntl(theNext, F_GETFD)) << "the file is still open";
 }
 
 TEST_F(qvFileFaults, OpenOnAReadOnlyFileSystemSaysSo) {

@@ -8,7 +8,9 @@
 #include <string>
 
 #include "qvOS/qvFile.h"
+#include "qvOS/qvPath.h"
 #include "support/ChildProcess.h"
+#include "support/OwnedText.h"
 #include "support/ScratchFolder.h"
 
 TEST(qvFile, SetSizeCutsAndExtendsAFile) {
@@ -213,6 +215,48 @@ TEST(qvFile, EachOutputOfGetTimesMayBeNull) {
   EXPECT_EQ(1000000001, theTime.tv_sec);
   EXPECT_EQ(0, qvFile_GetTimes(theScratch.File("f").c_str(), nullptr, &theTime, nullptr));
   EXPECT_EQ(1200000002, theTime.tv_sec);
+}
+
+TEST(qvFile, TimesAreThoseOfWhatALinkLeadsTo) {
+  ScratchFolder theScratch;
+  const std::string theLink = theScratch.File("link");
+  WriteWholeFile(theScratch.File("f"), "");
+  ASSERT_EQ(0, symlink("f", theLink.c_str()));
+  const qvtimeval theTime = {1300000003, 0};
+  EXPECT_EQ(0, qvFile_SetModificationTime(theLink.c_str(), &theTime));
+  qvtimeval theModification = {-1, -1};
+  EXPECT_EQ(0, qvFile_GetTimes(theLink.c_str(), nullptr, &theModification, nullptr));
+  EXPECT_EQ(1300000003, theModification.tv_sec);
+  EXPECT_EQ(0, qvFile_GetTimes(theScratch.File("f").c_str(), nullptr, &theModification, nullptr));
+  EXPECT_EQ(1300000003, theModification.tv_sec);
+}
+
+TEST(qvFile, BackslashesAreSlashesWhereverAPathIsAskedFor) {
+  ScratchFolder theScratch;
+  WriteWholeFile(theScratch.File("f"), "");
+  const std::string thePath = theScratch.Path() + "\\f";
+  const qvtimeval theTime = {1300000003, 0};
+  qvtimeval theModification = {-1, -1};
+  EXPECT_EQ(1, qvFile_Access(thePath.c_str(), qvFileAccessMode_Read));
+  EXPECT_EQ(0, qvFile_SetModificationTime(thePath.c_str(), &theTime));
+  EXPECT_EQ(0, qvFile_GetTimes(thePath.c_str(), nullptr, &theModification, nullptr));
+  EXPECT_EQ(1300000003, theModification.tv_sec);
+}
+
+TEST(qvFile, ARelativePathLiesBesideTheExecutable) {
+  ScratchFolder theScratch;
+  const std::string theName = TakeText(qvPath_GetApplicationName(0));
+  ChildResult theResult = RunInChild([&] {
+    if (chdir(theScratch.Path().c_str()) != 0) {
+      _exit(1);
+    }
+    WriteWholeFile(theScratch.File("f"), "");
+    qvFileFD theFD = kqvFileFDInvalid;
+    printf("%d %d %d %d", qvFile_Exists(theName.c_str()), qvFile_Exists(("./" + theName).c_str()),
+           qvFile_Open(theName.c_str(), qvFileOpenMode_Read, 0, &theFD), qvFile_Exists("f"));
+  });
+  EXPECT_EQ(0, theResult.mExitCode);
+  EXPECT_EQ("1 1 0 0", theResult.mStdout);
 }
 
 TEST(qvFile, GetTimesThatFailsWritesNothing) {

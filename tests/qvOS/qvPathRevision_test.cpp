@@ -246,21 +246,29 @@ TEST_P(qvPathRevision, TheHeadersStandAsFarApartAsTheFileSays) {
   EXPECT_EQ(9, Read(theBytes).mRevision);
 }
 
-TEST_P(qvPathRevision, ASectionOfMoreThan16MiBIsNotLoaded) {
+TEST_P(qvPathRevision, ASectionMayClaimMoreThanMemoryHolds) {
   ElfImage theImage(GetParam());
   std::string theBytes = theImage.Add(kStampName, "3\nmain\n").Bytes();
   std::string thePath = mScratch.File("sparse");
   // The rest of the sparse file is zero bytes, which end the text.
-  PutNumber(&theBytes, theImage.SizeField(1), theImage.WordSize(), 16777216);
-  WriteWholeFile(thePath, theBytes);
-  ASSERT_EQ(0, truncate(thePath.c_str(), 3000000000));
-  EXPECT_EQ(3, ReadStamp(thePath).mRevision);
-  for (uint64_t theSize : {16777217u, 2999990000u}) {
+  for (uint64_t theSize : {16777216u, 16777217u, 2999990000u}) {
     PutNumber(&theBytes, theImage.SizeField(1), theImage.WordSize(), theSize);
+    PutNumber(&theBytes, theImage.SizeField(theImage.NamesIndex()), theImage.WordSize(), theSize);
     WriteWholeFile(thePath, theBytes);
     ASSERT_EQ(0, truncate(thePath.c_str(), 3000000000));
-    EXPECT_EQ(0, ReadStamp(thePath).mRevision) << theSize;
+    Stamp theStamp = ReadStamp(thePath);
+    EXPECT_EQ(3, theStamp.mRevision) << theSize;
+    EXPECT_EQ("main", theStamp.mBranch) << theSize;
   }
+}
+
+TEST_P(qvPathRevision, WhatLiesBehind16MiBOfASectionIsNotRead) {
+  const std::string theLongest(16777216 - 3, 'b');
+  EXPECT_EQ(theLongest, ReadStampText("3\n" + theLongest + "\n").mBranch);
+  EXPECT_EQ(theLongest, ReadStampText("3\n" + theLongest + "\nmore").mBranch);
+  Stamp theStamp = ReadStampText("3\nb" + theLongest + "\n");
+  EXPECT_EQ(3, theStamp.mRevision);
+  EXPECT_EQ(kUntouched, theStamp.mBranch);
 }
 
 TEST_P(qvPathRevision, TheFileIsClosedAgain) {
