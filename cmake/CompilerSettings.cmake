@@ -3,6 +3,8 @@
 add_library(qvLog_settings INTERFACE)
 target_compile_options(qvLog_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wformat=2 -Wno-format-nonliteral -Wundef
+  # A note of GCC about an old change of the calling convention on ARM; nothing here crosses it.
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>
   # No path of the build machine gets into a binary: __FILE__ and debug information are relative.
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
   -ffile-prefix-map=${PROJECT_BINARY_DIR}/=
