@@ -16,161 +16,24 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
-#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "qvraTools/qvConfigFile.h"
-#include "qvraTools/qvConfigFileINIBackend.h"
 #include "support/ChildProcess.h"
 #include "support/ScratchDictionary.h"
 #include "support/ScratchFolder.h"
+#include "support/SettingsGenerations.h"
 #include "support/TracedProcess.h"
 
 namespace {
-
-// Settings of one generation: every value says which, so that a mixture shows.
-std::string GenerationText(const std::string& aGeneration) {
-  std::string theText = "first=" + aGeneration + "\n\n[net]\n";
-  for (int i = 0; i < 40; ++i) {
-    theText += "key" + std::to_string(i) + "=" + aGeneration + "\n";
-  }
-  return theText + "\n[last]\nend=" + aGeneration + "\n";
-}
-
-void SetGeneration(qvConfigFile* aConfigFile, const std::string& aGeneration) {
-  qvConfigFile_SetString(aConfigFile, nullptr, "first", aGeneration.c_str());
-  for (int i = 0; i < 40; ++i) {
-    qvConfigFile_SetString(aConfigFile, "net", ("key" + std::to_string(i)).c_str(), aGeneration.c_str());
-  }
-  qvConfigFile_SetString(aConfigFile, "last", "end", aGeneration.c_str());
-}
-
-// What a program does that changes its settings.
-void OpenAndSave(const std::string& aFile, const std::string& aGeneration) {
-  qvConfigFile* theConfigFile = qvConfigFile_New(nullptr, aFile.c_str(), nullptr);
-  SetGeneration(theConfigFile, aGeneration);
-  qvConfigFile_Save(theConfigFile);
-  qvConfigFile_Delete(theConfigFile);
-}
-
-// The generation that the next open finds: "" for no settings, "(mixed)" unless all values agree.
-std::string GenerationAtOpen(const std::string& aFile) {
-  qvConfigFile* theConfigFile = qvConfigFile_New(nullptr, aFile.c_str(), nullptr);
-  qvDictionary* theDictionary = reinterpret_cast<qvConfigFile_INI*>(theConfigFile)->mRWDictionary;
-  std::string theGeneration;
-  size_t theValueCount = 0;
-  for (size_t i = 0; i < qvDictionary_GetEntryCount(theDictionary); ++i) {
-    std::string theValue = qvDictionary_GetValueAtIndex(theDictionary, i);
-    if (!theValue.empty()) {
-      ++theValueCount;
-      theGeneration = theGeneration.empty() || theGeneration == theValue ? theValue : "(mixed)";
-    }
-  }
-  qvConfigFile_Delete(theConfigFile);
-  return theValueCount == 0 || theValueCount == 42 ? theGeneration : "(mixed)";
-}
-
-// The names in a folder, sorted, one blank between them.
-std::string Names(const ScratchFolder& aFolder) {
-  std::vector<std::string> theNames;
-  for (const auto& theEntry : std::filesystem::directory_iterator(aFolder.Path())) {
-    theNames.push_back(theEntry.path().filename().string());
-  }
-  std::sort(theNames.begin(), theNames.end());
-  std::string theText;
-  for (const std::string& theName : theNames) {
-    theText += (theText.empty() ? "" : " ") + theName;
-  }
-  return theText;
-}
-
-// What is in the folder when the program starts; an empty text means no such file.
-struct StartState {
-  const char* mName;
-  std::string mFile;
-  std::string mCompleted;
-  std::string mTemporary;
-  std::string mOldGeneration;  // what an open finds before the save
-};
-
-const StartState kStartStates[] = {
-    {"no file", "", "", "", ""},
-    {"old file", GenerationText("old"), "", "", "old"},
-    {"leftover .ok beside an older file", GenerationText("older"), GenerationText("old"), "", "old"},
-    {"leftover .ok without the file", "", GenerationText("old"), "", "old"},
-    {"leftover .tmp beside the old file", GenerationText("old"), "", GenerationText("no").substr(0, 100),
-     "old"},
-    {"leftover .tmp without the file", "", "", GenerationText("no").substr(0, 100), ""},
-    {"leftover .ok and .tmp", GenerationText("older"), GenerationText("old"), "first=no\n", "old"},
-};
-
-void Prepare(const StartState& aState, const std::string& aFile) {
-  if (!aState.mFile.empty()) {
-    WriteWholeFile(aFile, aState.mFile);
-  }
-  if (!aState.mCompleted.empty()) {
-    WriteWholeFile(aFile + ".ok", aState.mCompleted);
-  }
-  if (!aState.mTemporary.empty()) {
-    WriteWholeFile(aFile + ".tmp", aState.mTemporary);
-  }
-}
-
-// Whether at least one complete file is in the folder, before anything is repaired.
-bool IsCompleteFileThere(const std::string& aFile) {
-  for (const std::string& theName : {aFile, aFile + ".ok"}) {
-    std::string theText = ReadWholeFile(theName);
-    if (theText == GenerationText("older") || theText == GenerationText("old") ||
-        theText == GenerationText("new")) {
-      return true;
-    }
-  }
-  return false;
-}
-
-// What the folder must be like after a kill, and that the next save works.
-void ExpectSurvived(const StartState& aState, const ScratchFolder& aFolder) {
-  std::string theFile = aFolder.File("a.ini");
-  if (!aState.mFile.empty() || !aState.mCompleted.empty()) {
-    EXPECT_TRUE(IsCompleteFileThere(theFile));
-  }
-  std::string theGeneration = GenerationAtOpen(theFile);
-  EXPECT_TRUE(theGeneration == "new" || theGeneration == aState.mOldGeneration) << theGeneration;
-  EXPECT_EQ(theGeneration.empty() ? "" : "a.ini", Names(aFolder)) << "something is left after the next open";
-  OpenAndSave(theFile, "next");
-  EXPECT_EQ(GenerationText("next"), ReadWholeFile(theFile));
-}
-
-// Kills aBody, which gets the file's name, before each of its system calls, each time in a fresh folder.
-template <typename Body>
-void KillEverywhere(const StartState& aState, const Body& aBody) {
-  bool theWasKilled = true;
-  size_t theIndex = 0;
-  for (; theWasKilled && !testing::Test::HasFailure(); ++theIndex) {
-    ScratchFolder theFolder;
-    SCOPED_TRACE(std::string(aState.mName) + ", killed before system call " + std::to_string(theIndex));
-    Prepare(aState, theFolder.File("a.ini"));
-    theWasKilled = KillBeforeSystemCall(theIndex, [&] { aBody(theFolder.File("a.ini")); });
-    ExpectSurvived(aState, theFolder);
-  }
-  EXPECT_GT(theIndex, 10u) << "too few system calls for a save";
-  printf("%s: killed before each of %zu system calls\n", aState.mName, theIndex - 1);
-}
 
 // What a child that has the body says about its save: "1", "0", or something else when it could not try.
 template <typename Body>
 std::string ResultInChild(const Body& aBody) {
   return RunInChild([&] { printf("%s", aBody().c_str()); }).mStdout;
-}
-
-std::string TrySave(const std::string& aFile, const std::string& aGeneration) {
-  ScratchDictionary theDictionary;
-  theDictionary.Load(GenerationText(aGeneration));
-  return std::to_string(qvConfigFile_INI_S_SaveFile(aFile.c_str(), theDictionary.Get()));
 }
 
 // A save in a child in which one system call fails; "(no filter)" where that cannot be arranged.
@@ -207,7 +70,7 @@ TEST(qvConfigFileINISave, SaveWritesTheFileAndLeavesNothingElse) {
   ScratchFolder theFolder;
   EXPECT_EQ("1", TrySave(theFolder.File("a.ini"), "new"));
   EXPECT_EQ(GenerationText("new"), ReadWholeFile(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, SaveReplacesALongerFile) {
@@ -223,17 +86,17 @@ TEST(qvConfigFileINISave, EmptySettingsAreSavedAsAnEmptyFile) {
   ScratchDictionary theDictionary;
   EXPECT_EQ(1, qvConfigFile_INI_S_SaveFile(theFolder.File("a.ini").c_str(), theDictionary.Get()));
   EXPECT_EQ("", ReadWholeFile(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, SaveReplacesLeftovers) {
-  for (const StartState& theState : kStartStates) {
+  for (const StartState& theState : StartStates()) {
     SCOPED_TRACE(theState.mName);
     ScratchFolder theFolder;
     Prepare(theState, theFolder.File("a.ini"));
     EXPECT_EQ("1", TrySave(theFolder.File("a.ini"), "new"));
     EXPECT_EQ(GenerationText("new"), ReadWholeFile(theFolder.File("a.ini")));
-    EXPECT_EQ("a.ini", Names(theFolder));
+    EXPECT_EQ("a.ini", theFolder.Names());
   }
 }
 
@@ -243,19 +106,19 @@ TEST(qvConfigFileINISave, SaveDoesNotWriteThroughALinkThatLiesThere) {
   ASSERT_EQ(0, symlink(theFolder.File("victim").c_str(), theFolder.File("a.ini.tmp").c_str()));
   EXPECT_EQ("1", TrySave(theFolder.File("a.ini"), "new"));
   EXPECT_EQ("untouched", ReadWholeFile(theFolder.File("victim")));
-  EXPECT_EQ("a.ini victim", Names(theFolder));
+  EXPECT_EQ("a.ini victim", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, NameWithBackslashesIsSavedUnderSlashes) {
   ScratchFolder theFolder;
   EXPECT_EQ("1", TrySave(theFolder.Path() + "\\a.ini", "new"));
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, MissingFolderMakesTheSaveFail) {
   ScratchFolder theFolder;
   EXPECT_EQ("0", TrySave(theFolder.File("none/a.ini"), "new"));
-  EXPECT_EQ("", Names(theFolder));
+  EXPECT_EQ("", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, TemporaryNameThatIsAFolderMakesTheSaveFail) {
@@ -264,7 +127,7 @@ TEST(qvConfigFileINISave, TemporaryNameThatIsAFolderMakesTheSaveFail) {
   ASSERT_EQ(0, mkdir(theFolder.File("a.ini.tmp").c_str(), 0755));
   EXPECT_EQ("0", TrySave(theFolder.File("a.ini"), "new"));
   EXPECT_EQ(GenerationText("old"), ReadWholeFile(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini a.ini.tmp", Names(theFolder));
+  EXPECT_EQ("a.ini a.ini.tmp", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, CompletedNameThatIsAFolderMakesTheSaveFail) {
@@ -273,17 +136,17 @@ TEST(qvConfigFileINISave, CompletedNameThatIsAFolderMakesTheSaveFail) {
   ASSERT_EQ(0, mkdir(theFolder.File("a.ini.ok").c_str(), 0755));
   EXPECT_EQ("0", TrySave(theFolder.File("a.ini"), "new"));
   EXPECT_EQ(GenerationText("old"), ReadWholeFile(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini a.ini.ok", Names(theFolder));
+  EXPECT_EQ("a.ini a.ini.ok", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, FileThatIsAFolderMakesTheSaveFailAndIsCompletedByTheNextOpen) {
   ScratchFolder theFolder;
   ASSERT_EQ(0, mkdir(theFolder.File("a.ini").c_str(), 0755));
   EXPECT_EQ("0", TrySave(theFolder.File("a.ini"), "new"));
-  EXPECT_EQ("a.ini a.ini.ok", Names(theFolder));
+  EXPECT_EQ("a.ini a.ini.ok", theFolder.Names());
   ASSERT_EQ(0, rmdir(theFolder.File("a.ini").c_str()));
   EXPECT_EQ("new", GenerationAtOpen(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, FailedSystemCallsMakeTheSaveFailAndTheOldFileStays) {
@@ -314,7 +177,7 @@ TEST(qvConfigFileINISave, FailedSystemCallsMakeTheSaveFailAndTheOldFileStays) {
     }
     EXPECT_EQ(10, theResult.mExitCode);
     EXPECT_EQ(GenerationText("old"), ReadWholeFile(theFolder.File("a.ini")));
-    EXPECT_EQ("a.ini", Names(theFolder)) << "the temporary file is still there";
+    EXPECT_EQ("a.ini", theFolder.Names()) << "the temporary file is still there";
   }
 }
 
@@ -339,7 +202,7 @@ TEST(qvConfigFileINISave, FileLimitLeavesTheOldFileWhole) {
   });
   EXPECT_EQ("0", theResult);
   EXPECT_EQ(GenerationText("old"), ReadWholeFile(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, FullDiskLeavesTheOldFileWhole) {
@@ -357,7 +220,7 @@ TEST(qvConfigFileINISave, FullDiskLeavesTheOldFileWhole) {
     }
     int theSaved = qvConfigFile_INI_S_SaveFile(theFile.c_str(), theDictionary.Get());
     bool theOldIsWhole = ReadWholeFile(theFile) == GenerationText("old");
-    return std::to_string(theSaved) + (theOldIsWhole ? " old" : " lost") + ", " + Names(theFolder);
+    return std::to_string(theSaved) + (theOldIsWhole ? " old" : " lost") + ", " + theFolder.Names();
   });
   if (theResult == "(no disk)") {
     GTEST_SKIP() << "no small disk can be mounted here";
@@ -366,12 +229,12 @@ TEST(qvConfigFileINISave, FullDiskLeavesTheOldFileWhole) {
 }
 
 TEST(qvConfigFileINISave, OpenSettlesEveryLeftover) {
-  for (const StartState& theState : kStartStates) {
+  for (const StartState& theState : StartStates()) {
     SCOPED_TRACE(theState.mName);
     ScratchFolder theFolder;
     Prepare(theState, theFolder.File("a.ini"));
     EXPECT_EQ(theState.mOldGeneration, GenerationAtOpen(theFolder.File("a.ini")));
-    EXPECT_EQ(theState.mOldGeneration.empty() ? "" : "a.ini", Names(theFolder));
+    EXPECT_EQ(theState.mOldGeneration.empty() ? "" : "a.ini", theFolder.Names());
   }
 }
 
@@ -381,7 +244,7 @@ TEST(qvConfigFileINISave, OpenLeavesAFolderOfALeftoversNameAlone) {
   ASSERT_EQ(0, mkdir(theFolder.File("a.ini.tmp").c_str(), 0755));
   ASSERT_EQ(0, mkdir(theFolder.File("a.ini.ok").c_str(), 0755));
   EXPECT_EQ("old", GenerationAtOpen(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini a.ini.ok a.ini.tmp", Names(theFolder));
+  EXPECT_EQ("a.ini a.ini.ok a.ini.tmp", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, OpenDoesNotTouchOtherFilesOfTheFolder) {
@@ -390,21 +253,22 @@ TEST(qvConfigFileINISave, OpenDoesNotTouchOtherFilesOfTheFolder) {
   WriteWholeFile(theFolder.File("b.ini.tmp"), "b");
   WriteWholeFile(theFolder.File("a.tmp"), "c");
   EXPECT_EQ("old", GenerationAtOpen(theFolder.File("a.ini")));
-  EXPECT_EQ("a.ini a.tmp b.ini.tmp", Names(theFolder));
+  EXPECT_EQ("a.ini a.tmp b.ini.tmp", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, ProcessKilledAnywhereFromOpenToSaveLeavesOldOrNewSettings) {
   SKIP_WITHOUT_TRACING();
-  for (const StartState& theState : kStartStates) {
-    KillEverywhere(theState, [](const std::string& aFile) { OpenAndSave(aFile, "new"); });
+  for (const StartState& theState : StartStates()) {
+    KillEverywhere(theState, KillBeforeSystemCall,
+                   [](const std::string& aFile) { OpenAndSave(aFile, "new"); });
   }
 }
 
 TEST(qvConfigFileINISave, ProcessKilledAnywhereInASaveAmongLeftoversLeavesOldOrNewSettings) {
   SKIP_WITHOUT_TRACING();
-  for (const StartState& theState : kStartStates) {
+  for (const StartState& theState : StartStates()) {
     // The leftovers come into being after the open, so that it is the save that meets them.
-    KillEverywhere(theState, [](const std::string& aFile) { TrySave(aFile, "new"); });
+    KillEverywhere(theState, KillBeforeSystemCall, [](const std::string& aFile) { TrySave(aFile, "new"); });
   }
 }
 
@@ -463,7 +327,7 @@ TEST(qvConfigFileINISave, ProcessesThatSaveAtOnceAllSucceedAndNeverMix) {
     waitpid(theChild, &theStatus, 0);
     EXPECT_EQ(0, theStatus);
   }
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }
 
 TEST(qvConfigFileINISave, ThreadsThatSaveAtOnceAllSucceedAndNeverMix) {
@@ -491,5 +355,5 @@ TEST(qvConfigFileINISave, ThreadsThatSaveAtOnceAllSucceedAndNeverMix) {
   }
   EXPECT_EQ(0, theFailed);
   EXPECT_EQ(0, theMixed);
-  EXPECT_EQ("a.ini", Names(theFolder));
+  EXPECT_EQ("a.ini", theFolder.Names());
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 
 ScratchFolder::ScratchFolder() {
   std::string theTemplate = (std::filesystem::temp_directory_path() / "qvLogTest-XXXXXX").string();
@@ -18,6 +19,18 @@ ScratchFolder::ScratchFolder() {
 ScratchFolder::~ScratchFolder() {
   std::error_code theIgnored;
   std::filesystem::remove_all(mPath, theIgnored);
+}
+
+std::string ScratchFolder::Names() const {
+  std::set<std::string> theNames;
+  for (const auto& theEntry : std::filesystem::directory_iterator(mPath)) {
+    theNames.insert(theEntry.path().filename().string());
+  }
+  std::string theText;
+  for (const std::string& theName : theNames) {
+    theText += (theText.empty() ? "" : " ") + theName;
+  }
+  return theText;
 }
 
 std::string ReadWholeFile(const std::string& aPath) {

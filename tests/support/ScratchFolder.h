@@ -15,6 +15,8 @@ class ScratchFolder {
   const std::string& Path() const { return mPath; }
   // The full path of a file in the folder.
   std::string File(const std::string& aName) const { return mPath + "/" + aName; }
+  // The names of what is in the folder, sorted, with one blank between them.
+  std::string Names() const;
 
  private:
   std::string mPath;

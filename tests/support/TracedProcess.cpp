@@ -7,6 +7,7 @@
 #include <stdio.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int kNotTraced = 99;                   // exit code of a child that cannot be traced
 constexpr int kSystemCallStop = SIGTRAP | 0x80;  // with PTRACE_O_TRACESYSGOOD
+constexpr long kStartMark = SYS_getppid;         // the last system call before the body
 
 // A child that stops before and behind each of its system calls.
 class TracedChild {
@@ -26,6 +28,7 @@ class TracedChild {
         _exit(kNotTraced);
       }
       raise(SIGSTOP);
+      syscall(kStartMark);
       aBody();
       _exit(0);
     }
@@ -33,7 +36,10 @@ class TracedChild {
     mfRunning = WIFSTOPPED(mStatus);
     if (mfRunning) {
       ptrace(PTRACE_SETOPTIONS, mPid, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-      NextSystemCall();  // what raise does behind the stop
+      // What raise does behind the stop differs between C libraries.
+      for (long theNumber = 0; theNumber >= 0 && theNumber != kStartMark;) {
+        theNumber = NextSystemCall();
+      }
     }
   }
 
