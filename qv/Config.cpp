@@ -26,7 +26,9 @@ bool qvConfig::OptionIsSet(const char* aSection, const char* aKey, bool afDefaul
 }
 
 qvCString qvConfig::GetCString(const char* aSection, const char* aKey, const qvCString& aDefaultValue) const {
-  return qvCString(qvConfigFile_GetString(mConfigFile, aSection, aKey, aDefaultValue.c_str()));
+  const char* theValue = qvConfigFile_GetString(mConfigFile, aSection, aKey, NULL);
+  // The default is copied by its length, as it may hold zero bytes.
+  return theValue != NULL ? qvCString(theValue) : qvCString(aDefaultValue.c_str(), aDefaultValue.length());
 }
 
 qvCString qvConfig::GetCStringWithSubstitution(const char* aSection, const char* aKey,

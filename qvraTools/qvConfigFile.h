@@ -8,8 +8,8 @@
  * Reading a key also adds its section, empty, to the read-write layer, so the next save writes its header.
  *
  * Texts that are returned as const char* point into the configuration file and live until their key is
- * written or deleted. A null configuration file makes reads return their default, counts 0, names the empty
- * text, and writes, deletions and saves 0.
+ * written or deleted, or the layer is reset, or the file is deleted. A null configuration file makes reads
+ * return their default, counts 0, names the empty text, and writes, deletions and saves 0.
  *
  * A configuration file has no lock: one object belongs to one thread at a time. Different objects may be used
  * in parallel, also on the same file. */

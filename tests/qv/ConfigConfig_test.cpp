@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
+#include "support/ClassLayout.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -48,6 +49,14 @@ TEST(qvConfigConfig, IsAConfigWithoutFieldsOfItsOwn) {
   EXPECT_TRUE(std::has_virtual_destructor<qvConfigConfig>::value);
 }
 
+TEST(qvConfigConfig, OnlyTheDestructorIsVirtual) {
+  class Derived : public qvConfigConfig {
+   public:
+    virtual void Next() {}
+  };
+  EXPECT_EQ(2u, SlotOf(&Derived::Next));
+}
+
 TEST(qvConfigConfig, BootstrapFileNamesBothDirectories) {
   Bootstrap theBootstrap("ReadPath=/etc/app/\nWritePath=/var/app\n");
   EXPECT_EQ("/etc/app/|/var/app|1\n", theBootstrap.Run({"paths", "ConfigPath.ini"}));
@@ -62,6 +71,14 @@ TEST(qvConfigConfig, MissingBootstrapFileGivesTheExecutablesFolder) {
   Bootstrap theBootstrap("ReadPath=/etc/app/\n");
   EXPECT_EQ("./|./|1\n", theBootstrap.Run({"paths", "Other.ini"}));
   EXPECT_EQ("./|./|1\n", theBootstrap.Run({"check", "Other.ini"}));
+}
+
+TEST(qvConfigConfig, NullFileNameIsAMissingBootstrapFile) {
+  qvCString theRead("unset");
+  qvCString theWrite("unset");
+  EXPECT_TRUE(qvConfigConfig::GetConfigPaths(theRead, theWrite, nullptr));
+  EXPECT_STREQ("./", theRead.c_str());
+  EXPECT_STREQ("./", theWrite.c_str());
 }
 
 TEST(qvConfigConfig, MissingOrEmptyKeyGivesTheExecutablesFolder) {

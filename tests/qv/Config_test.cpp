@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "qvraTools/qvMalloc.h"
+#include "support/ClassLayout.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -58,6 +59,14 @@ TEST(qvConfig, HoldsTheVirtualTableAndTheConfigurationFile) {
   EXPECT_EQ(sizeof(void*), ShownConfig().FieldOffset());
   EXPECT_EQ(2 * sizeof(void*), sizeof(qvConfig));
   EXPECT_TRUE(std::has_virtual_destructor<qvConfig>::value);
+}
+
+TEST(qvConfig, OnlyTheDestructorIsVirtual) {
+  class Derived : public qvConfig {
+   public:
+    virtual void Next() {}
+  };
+  EXPECT_EQ(2u, SlotOf(&Derived::Next));
 }
 
 TEST(qvConfig, CannotBeCopied) {
@@ -174,6 +183,11 @@ TEST(qvConfig, ValidPathIsTheDirectoryThePrefixAndTheBareName) {
   }
 }
 
+TEST(qvConfig, ValidPathWithoutPrefixHasNone) {
+  EXPECT_STREQ("/etc/app.ini",
+               qvConfig().GetValidPath(qvCString("/etc"), qvCString("app.ini"), nullptr).c_str());
+}
+
 TEST(qvConfig, ValidPathLeavesItsArguments) {
   qvConfig theConfig;
   qvCString theDirectory("\\etc");
@@ -191,6 +205,13 @@ TEST(qvConfig, CStringIsACopyOfTheValueOrTheDefault) {
   EXPECT_STREQ("x", theSettings->GetCString("a", "none", qvCString("x")).c_str());
   EXPECT_STREQ("", theSettings->GetCString("a", "empty", qvCString("x")).c_str());
   EXPECT_TRUE(theSettings->GetCString("a", "none", qvCString()).IsEmpty());
+}
+
+TEST(qvConfig, DefaultWithZeroBytesIsCopiedWhole) {
+  Settings theSettings;
+  const qvCString theDefault("a\0b", size_t{3});
+  EXPECT_EQ(3u, theSettings->GetCString("a", "none", theDefault).length());
+  EXPECT_TRUE(theSettings->GetCString("a", "none", theDefault) == theDefault);
 }
 
 TEST(qvConfig, SubstitutionReplacesVariables) {

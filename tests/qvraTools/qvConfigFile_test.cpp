@@ -181,6 +181,27 @@ TEST(qvConfigFile, MissingFilesAreEmptyLayersAndTheSaveMakesTheReadWriteFile) {
   EXPECT_FALSE(FileExists(theFolder.File("ro.ini")));
 }
 
+TEST(qvConfigFile, FilesThatCannotBeReadAreEmptyLayers) {
+  ScratchFolder theFolder;
+  ASSERT_EQ(0, mkdir(theFolder.File("ro.ini").c_str(), 0755));
+  ASSERT_EQ(0, mkdir(theFolder.File("rw.ini").c_str(), 0755));
+  qvConfigFile* theConfigFile =
+      qvConfigFile_New(theFolder.File("ro.ini").c_str(), theFolder.File("rw.ini").c_str(), nullptr);
+  ASSERT_NE(nullptr, theConfigFile);
+  EXPECT_STREQ("(default)", qvConfigFile_GetString(theConfigFile, "a", "k", "(default)"));
+  EXPECT_EQ(1, qvConfigFile_SetString(theConfigFile, "a", "k", "1"));
+  EXPECT_STREQ("1", qvConfigFile_GetString(theConfigFile, "a", "k", "(default)"));
+  qvConfigFile_Delete(theConfigFile);
+}
+
+TEST(qvConfigFile, EmptyReadWriteNameTakesWritesThatCannotBeSaved) {
+  qvConfigFile* theConfigFile = qvConfigFile_New("", "", "");
+  EXPECT_EQ(1, qvConfigFile_SetString(theConfigFile, "a", "k", "1"));
+  EXPECT_STREQ("1", qvConfigFile_GetString(theConfigFile, "a", "k", ""));
+  EXPECT_EQ(0, qvConfigFile_Save(theConfigFile));
+  qvConfigFile_Delete(theConfigFile);
+}
+
 TEST(qvConfigFile, WithoutReadWriteNameNothingCanBeWrittenOrSaved) {
   ReadOnly theReadOnly("[a]\nk=1\n");
   EXPECT_EQ(0, qvConfigFile_SetString(theReadOnly.Get(), "a", "k", "2"));
