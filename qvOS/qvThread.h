@@ -7,7 +7,8 @@
  *
  * Each thread started here installs handlers for SIGILL, SIGABRT, SIGBUS, SIGFPE and SIGSEGV, which hold for
  * the whole process: a crash prints a back-trace (see qvDebug.h), and two seconds later the process ends by
- * the signal. */
+ * the signal. A back-trace that takes longer than ten seconds is given up; for that a crash takes over
+ * SIGALRM. */
 #ifndef QVOS_QVTHREAD_H
 #define QVOS_QVTHREAD_H
 
@@ -55,7 +56,8 @@ QVLOG_API int qvThread_Run(qvOSThread* aThread);
 QVLOG_API int qvThread_Wait(qvOSThread* aThread);
 
 /* Releases a handle; null is ignored. A thread that never ran is ended first, its function skipped. A running
- * joinable thread is not waited for: call qvThread_Wait before. A detached thread fails an assertion. */
+ * joinable thread is not waited for and goes on to its end without a handle. A detached thread fails an
+ * assertion. */
 QVLOG_API void qvThread_Delete(qvOSThread* aThread);
 
 /* Sleeps that many milliseconds; a signal can end the sleep early. */

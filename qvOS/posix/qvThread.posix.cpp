@@ -82,28 +82,46 @@ void qvThread_SetAllThreadsCatchSignal(int afCatchSignal) {
 
 // ---------------------------------------------------------------------------------------------- life cycle
 
-// Releases what qvThread_New has made, however far it came.
-static void qvThread_S_Free(qvOSThread* aThread) {
-  qvSemaphore_Delete(aThread->mSemaphore);
-  aThread->_mMagicNumber = 0;
-  free(aThread);
+// What stands behind a handle. The thread needs the handle until it ends, but the owner of a running thread
+// may delete it before that: whoever of the two comes last releases it.
+struct qvThread_Allocation {
+  qvThread_t mHandle;  // first: the address of the handle is that of the whole
+  int mUserCount;
+};
+
+static void qvThread_S_AddUser(qvOSThread* aThread) {
+  __atomic_add_fetch(&reinterpret_cast<qvThread_Allocation*>(aThread)->mUserCount, 1, __ATOMIC_RELAXED);
+}
+
+static void qvThread_S_RemoveUser(void* aHandle) {
+  qvThread_Allocation* theAllocation = static_cast<qvThread_Allocation*>(aHandle);
+  if (__atomic_sub_fetch(&theAllocation->mUserCount, 1, __ATOMIC_ACQ_REL) == 0) {
+    qvSemaphore_Delete(theAllocation->mHandle.mSemaphore);
+    free(theAllocation);
+  }
+}
+
+static void qvThread_S_RunBehindTheGate(qvOSThread* aThread) {
+  while (qvSemaphore_Wait(aThread->mSemaphore) != qvSemaphore_Status_NoError) {
+    // A signal has interrupted the wait; the gate is still closed.
+  }
+  if (aThread->mThreadState != kqvThreadState_Finished) {
+    aThread->mThreadFunc(aThread->mThreadArgs);
+  }
+  if (aThread->mDetachedState == kqvThreadDetachedState_Detached) {
+    aThread->mDetachedState = kqvThreadDetachedState_DetachedDelete;
+    qvThread_Delete(aThread);
+  }
 }
 
 static void* qvThread_S_Entry(void* aHandle) {
-  qvOSThread* theThread = static_cast<qvOSThread*>(aHandle);
   if (__atomic_load_n(&sfAllThreadsCatchSignal, __ATOMIC_RELAXED)) {
     qvThread_S_CatchCrashSignals();
   }
-  while (qvSemaphore_Wait(theThread->mSemaphore) != qvSemaphore_Status_NoError) {
-    // A signal has interrupted the wait; the gate is still closed.
-  }
-  if (theThread->mThreadState != kqvThreadState_Finished) {
-    theThread->mThreadFunc(theThread->mThreadArgs);
-  }
-  if (theThread->mDetachedState == kqvThreadDetachedState_Detached) {
-    theThread->mDetachedState = kqvThreadDetachedState_DetachedDelete;
-    qvThread_Delete(theThread);
-  }
+  // Also when the function leaves by pthread_exit.
+  pthread_cleanup_push(qvThread_S_RemoveUser, aHandle);
+  qvThread_S_RunBehindTheGate(static_cast<qvOSThread*>(aHandle));
+  pthread_cleanup_pop(1);
   return NULL;
 }
 
@@ -128,8 +146,14 @@ static bool qvThread_S_Start(const qvOSThread_Data* aThreadData, qvOSThread* aTh
   if (pthread_attr_init(&theAttributes) != 0) {
     return false;
   }
-  bool theStartedFlag = qvThread_S_PrepareAttributes(aThreadData, &theAttributes) &&
-                        pthread_create(&aThread->mThread, &theAttributes, qvThread_S_Entry, aThread) == 0;
+  bool theStartedFlag = false;
+  if (qvThread_S_PrepareAttributes(aThreadData, &theAttributes)) {
+    qvThread_S_AddUser(aThread);
+    theStartedFlag = pthread_create(&aThread->mThread, &theAttributes, qvThread_S_Entry, aThread) == 0;
+    if (!theStartedFlag) {
+      qvThread_S_RemoveUser(aThread);
+    }
+  }
   pthread_attr_destroy(&theAttributes);
   return theStartedFlag;
 }
@@ -139,10 +163,11 @@ qvOSThread* qvThread_New(qvOSThread_Data* aThreadData) {
   pthread_once(&sBackTraceOnce, qvThread_S_LoadBackTrace);
 
   // The system's allocator: a thread that cannot be had is for the caller to handle.
-  qvOSThread* theThread = static_cast<qvOSThread*>(calloc(1, sizeof(qvOSThread)));
+  qvOSThread* theThread = static_cast<qvOSThread*>(calloc(1, sizeof(qvThread_Allocation)));
   if (theThread == NULL) {
     return NULL;
   }
+  qvThread_S_AddUser(theThread);
   bool theDetachedFlag = aThreadData->mThreadKind == qvThread_Kind_Detached;
   theThread->_mMagicNumber = kqvThread_Magic;
   theThread->mThreadFunc = aThreadData->mThreadFunc;
@@ -153,7 +178,7 @@ qvOSThread* qvThread_New(qvOSThread_Data* aThreadData) {
       theDetachedFlag ? kqvThreadDetachedState_Detached : kqvThreadDetachedState_NotDetached;
   theThread->mSemaphore = qvSemaphore_New(0);
   if (theThread->mSemaphore == NULL || !qvThread_S_Start(aThreadData, theThread)) {
-    qvThread_S_Free(theThread);
+    qvThread_S_RemoveUser(theThread);
     return NULL;
   }
   theThread->mThreadState = kqvThreadState_Inited;
@@ -198,12 +223,18 @@ void qvThread_Delete(qvOSThread* aThread) {
   qvAssert(aThread->mDetachedState != kqvThreadDetachedState_Detached);
   if (aThread->mThreadState == kqvThreadState_Inited) {
     qvThread_Wait(aThread);
+  } else if (aThread->mThreadState == kqvThreadState_Running &&
+             aThread->mDetachedState == kqvThreadDetachedState_NotDetached) {
+    // Nobody can join it any more: the system releases its stack when it ends.
+    pthread_detach(aThread->mThread);
   }
   if (aThread->mDetachedState == kqvThreadDetachedState_DetachedDelete && aThread->mDeleteFunc != NULL) {
     aThread->mDeleteFunc(aThread->mThreadArgs);
   }
   kqvThread_CheckHandle();
-  qvThread_S_Free(aThread);
+  // An atomic store, because the compiler drops a plain one to memory that is freed next.
+  __atomic_store_n(&aThread->_mMagicNumber, 0, __ATOMIC_RELAXED);
+  qvThread_S_RemoveUser(aThread);
 }
 
 // ------------------------------------------------------------------------------------------------ the rest

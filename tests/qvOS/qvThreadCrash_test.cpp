@@ -1,13 +1,16 @@
 // A thread that crashes: the back-trace file, and the end by the very signal. Each crash takes two seconds.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <stdio.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <string>
 
 #include "qvOS/qvThread.h"
 #include "support/ChildProcess.h"
 #include "support/Crashes.h"
+#include "support/Sanitizers.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -33,7 +36,9 @@ ChildResult CrashInThread(qvThread_Func aCrash, std::string* aTrace) {
 
 void ExpectCrash(qvThread_Func aCrash, int aSignal) {
   std::string theTrace;
+  auto theStart = std::chrono::steady_clock::now();
   ChildResult theResult = CrashInThread(aCrash, &theTrace);
+  EXPECT_GE(std::chrono::steady_clock::now() - theStart, std::chrono::milliseconds(2000));
   EXPECT_EQ(aSignal, theResult.mSignal);
   EXPECT_EQ(0u, theTrace.find("log\n")) << theTrace;
   EXPECT_NE(std::string::npos, theTrace.find("\nlog end\n")) << theTrace;
@@ -46,9 +51,45 @@ TEST(qvThreadCrash, BusErrorLeavesATraceAndEndsTheProcess) { ExpectCrash(Crash<S
 TEST(qvThreadCrash, AbortLeavesATraceAndEndsTheProcess) { ExpectCrash(Crash<SIGABRT>, SIGABRT); }
 TEST(qvThreadCrash, ArithmeticErrorLeavesATraceAndEndsTheProcess) { ExpectCrash(Crash<SIGFPE>, SIGFPE); }
 
-// Twenty crashes, two of them with the allocator's lock held.
+void ResetHandlers() {
+  for (int theSignal = 1; theSignal < 32; ++theSignal) {
+    signal(theSignal, SIG_DFL);
+  }
+}
+
+// The signals that have a handler, after a thread whose function never ran.
+void PrintHandledSignals(const char* aWhen) {
+  qvOSThread_Data theData = {Crash<SIGSEGV>, nullptr, nullptr, 0, qvThread_Kind_Joinable, 0};
+  qvOSThread* theThread = qvThread_New(&theData);
+  qvThread_Wait(theThread);
+  qvThread_Delete(theThread);
+  printf("%s:", aWhen);
+  for (int theSignal = 1; theSignal < 32; ++theSignal) {
+    struct sigaction theAction = {};
+    if (sigaction(theSignal, nullptr, &theAction) == 0 && theAction.sa_handler != SIG_DFL) {
+      printf(" %d", theSignal);
+    }
+  }
+  printf("\n");
+}
+
+TEST(qvThreadCrash, EveryThreadInstallsHandlersForFiveSignalsUnlessSwitchedOff) {
+  ChildResult theResult = RunInChild([] {
+    ResetHandlers();
+    PrintHandledSignals("default");
+    ResetHandlers();
+    qvThread_SetAllThreadsCatchSignal(0);
+    PrintHandledSignals("off");
+    qvThread_SetAllThreadsCatchSignal(-1);
+    PrintHandledSignals("on");
+  });
+  EXPECT_EQ("default: 4 6 7 8 11\noff:\non: 4 6 7 8 11\n", theResult.mStdout);
+}
+
+// Twenty crashes, two of them with the allocator's lock held. The sanitizers, which have an allocator of
+// their own, take a second for each trace, so fewer at a time there.
 TEST(qvThreadCrash, NoCrashHangsEvenWithTheAllocatorsLockHeld) {
-  ChildResult theResult = RunProgram(TestProgramPath("crash_storm"), {"20"});
+  ChildResult theResult = RunProgram(TestProgramPath("crash_storm"), {kSanitized ? "5" : "20"});
   EXPECT_EQ(0, theResult.mExitCode) << theResult.mStdout;
 }
 

@@ -14,4 +14,10 @@ constexpr bool kSanitized = false;
 constexpr bool kSanitized = false;
 #endif
 
+#if defined(__SANITIZE_THREAD__)
+constexpr bool kThreadSanitized = true;
+#else
+constexpr bool kThreadSanitized = false;
+#endif
+
 #endif

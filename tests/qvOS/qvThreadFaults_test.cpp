@@ -1,0 +1,214 @@
+// Threads whose system refuses something, and what a handle holds when it is freed.
+#include <dlfcn.h>
+#include <errno.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sched.h>
+#include <semaphore.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "qvOS/qvThread.h"
+#include "qvOS/qvThread_p.h"
+#include "support/ChildProcess.h"
+#include "support/FreeWatch.h"
+
+namespace {
+
+// What the stand-ins below answer. Priorities: while mfActive, the default policy is SCHED_RR with the given
+// bounds.
+struct FakeSystem {
+  bool mfActive = false;
+  bool mfPolicyFails = false;
+  int mMin = 0;
+  int mMax = 0;
+  int mAskedMinOf = -1;
+  int mAskedMaxOf = -1;
+  bool mfStoreFails = false;
+  int mStored = -1;
+  bool mfGateFails = false;
+  bool mfPostFails = false;
+};
+FakeSystem gSystem;
+
+template <typename Function>
+Function* TheSystems(Function* /*aStandIn*/, const char* aName) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, aName));
+}
+
+void Nothing(void*) {}
+
+void Count(void* aCounter) { ++*static_cast<int*>(aCounter); }
+
+qvOSThread_Data Description(qvThread_Func aFunc, void* anArgs, int aKind) {
+  return {aFunc, nullptr, anArgs, qvThread_StackSize_Default, aKind, qvThread_Scheduling_Default};
+}
+
+}  // namespace
+
+extern "C" int pthread_attr_getschedpolicy(const pthread_attr_t* anAttributes, int* aPolicy) noexcept {
+  if (!gSystem.mfActive) {
+    return TheSystems(pthread_attr_getschedpolicy, "pthread_attr_getschedpolicy")(anAttributes, aPolicy);
+  }
+  *aPolicy = SCHED_RR;
+  return gSystem.mfPolicyFails ? EINVAL : 0;
+}
+
+extern "C" int sched_get_priority_min(int aPolicy) noexcept {
+  gSystem.mAskedMinOf = aPolicy;
+  return gSystem.mfActive ? gSystem.mMin : static_cast<int>(syscall(SYS_sched_get_priority_min, aPolicy));
+}
+
+extern "C" int sched_get_priority_max(int aPolicy) noexcept {
+  gSystem.mAskedMaxOf = aPolicy;
+  return gSystem.mfActive ? gSystem.mMax : static_cast<int>(syscall(SYS_sched_get_priority_max, aPolicy));
+}
+
+extern "C" int pthread_attr_setschedparam(pthread_attr_t* anAttributes,
+                                          const struct sched_param* aParameter) noexcept {
+  gSystem.mStored = aParameter->sched_priority;
+  if (!gSystem.mfActive) {
+    return TheSystems(pthread_attr_setschedparam, "pthread_attr_setschedparam")(anAttributes, aParameter);
+  }
+  return gSystem.mfStoreFails ? EINVAL : 0;
+}
+
+extern "C" int sem_init(sem_t* aSemaphore, int anIsShared, unsigned int aValue) noexcept {
+  if (gSystem.mfGateFails) {
+    errno = ENOSPC;
+    return -1;
+  }
+  return TheSystems(sem_init, "sem_init")(aSemaphore, anIsShared, aValue);
+}
+
+extern "C" int sem_post(sem_t* aSemaphore) noexcept {
+  if (gSystem.mfPostFails) {
+    errno = EOVERFLOW;
+    return -1;
+  }
+  return TheSystems(sem_post, "sem_post")(aSemaphore);
+}
+
+// Each test begins with a system that answers by itself.
+class qvThreadFaults : public testing::Test {
+ protected:
+  qvThreadFaults() { gSystem = FakeSystem(); }
+  ~qvThreadFaults() override { gSystem = FakeSystem(); }
+
+  static void FakeBounds(int aMin, int aMax) {
+    gSystem.mfActive = true;
+    gSystem.mMin = aMin;
+    gSystem.mMax = aMax;
+  }
+};
+
+TEST_F(qvThreadFaults, PriorityIsThatShareOfTheRangeOfTheDefaultPolicy) {
+  const struct {
+    uint16 mPriority;
+    int mStored;
+    const char* mWhy;
+  } kCases[] = {
+      {0, 1, "the minimum"},
+      {1, 1, "0.98 above it is cut off"},
+      {2, 2, "1.96 above it"},
+      {50, 50, "the middle"},
+      {99, 98, "97.02 above the minimum"},
+      {100, 99, "the maximum"},
+      {101, 99, "higher values count as 100"},
+      {250, 99, "higher values count as 100"},
+      {65535, 99, "higher values count as 100"},
+  };
+  FakeBounds(1, 99);
+  for (const auto& theCase : kCases) {
+    EXPECT_EQ(0, qvThread_SetPriority(theCase.mPriority)) << theCase.mWhy;
+    EXPECT_EQ(theCase.mStored, gSystem.mStored) << theCase.mPriority << ": " << theCase.mWhy;
+  }
+  EXPECT_EQ(SCHED_RR, gSystem.mAskedMinOf);
+  EXPECT_EQ(SCHED_RR, gSystem.mAskedMaxOf);
+}
+
+TEST_F(qvThreadFaults, PriorityWithoutBoundsIsAnError) {
+  FakeBounds(-1, 99);
+  EXPECT_EQ(1, qvThread_SetPriority(50)) << "no minimum";
+  FakeBounds(1, -1);
+  EXPECT_EQ(1, qvThread_SetPriority(50)) << "no maximum";
+  FakeBounds(2, 1);
+  EXPECT_EQ(1, qvThread_SetPriority(50)) << "the minimum is above the maximum";
+  EXPECT_EQ(-1, gSystem.mStored);
+  FakeBounds(7, 7);
+  EXPECT_EQ(0, qvThread_SetPriority(50)) << "both are the same";
+  EXPECT_EQ(7, gSystem.mStored);
+}
+
+TEST_F(qvThreadFaults, PriorityThatTheSystemRefusesIsAnError) {
+  FakeBounds(1, 99);
+  gSystem.mfStoreFails = true;
+  EXPECT_EQ(1, qvThread_SetPriority(50));
+  gSystem.mfStoreFails = false;
+  gSystem.mfPolicyFails = true;
+  EXPECT_EQ(1, qvThread_SetPriority(50));
+}
+
+TEST_F(qvThreadFaults, ThreadWithoutAGateIsNull) {
+  for (int theKind : {qvThread_Kind_Joinable, qvThread_Kind_Detached}) {
+    qvOSThread_Data theData = Description(Nothing, nullptr, theKind);
+    gSystem.mfGateFails = true;
+    EXPECT_EQ(nullptr, qvThread_New(&theData));
+    gSystem.mfGateFails = false;
+  }
+}
+
+TEST_F(qvThreadFaults, RunWithAGateThatDoesNotOpenIsAnErrorAndMayBeTriedAgain) {
+  int theCalls = 0;
+  qvOSThread_Data theData = Description(Count, &theCalls, qvThread_Kind_Joinable);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  gSystem.mfPostFails = true;
+  EXPECT_EQ(1, qvThread_Run(theThread));
+  gSystem.mfPostFails = false;
+  EXPECT_EQ(kqvThreadState_Inited, theThread->mThreadState);
+  EXPECT_EQ(0, qvThread_Run(theThread));
+  EXPECT_EQ(0, qvThread_Wait(theThread));
+  EXPECT_EQ(1, theCalls);
+  qvThread_Delete(theThread);
+}
+
+TEST_F(qvThreadFaults, DeleteClearsTheMagicNumberBeforeTheMemoryIsFreed) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer has an allocator of its own";
+  }
+  qvOSThread_Data theData = Description(Nothing, nullptr, qvThread_Kind_Joinable);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  WatchFreeOf(theThread);
+  qvThread_Delete(theThread);
+  EXPECT_EQ(0u, FirstWordWhenFreed());
+}
+
+TEST_F(qvThreadFaults, DetachedThreadFreesItsOwnHandleWithoutItsMagicNumber) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer has an allocator of its own";
+  }
+  qvOSThread_Data theData = Description(Nothing, nullptr, qvThread_Kind_Detached);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  WatchFreeOf(theThread);
+  qvThread_Run(theThread);
+  EXPECT_EQ(0u, FirstWordWhenFreed());
+}
+
+void SpoilHandle(void* aHandle) { (*static_cast<qvOSThread**>(aHandle))->_mMagicNumber = 0; }
+
+TEST_F(qvThreadFaults, HandleIsCheckedAgainBehindTheDeleteFunction) {
+  auto spoil = [] {
+    static qvOSThread* sThread = nullptr;
+    qvOSThread_Data theData = {Nothing, SpoilHandle, &sThread, 0, qvThread_Kind_Detached, 0};
+    sThread = qvThread_New(&theData);
+    qvThread_Run(sThread);
+    for (;;) {
+      pause();
+    }
+  };
+  EXPECT_QV_ASSERTION(spoil(), "((aThread) != NULL) && ((aThread)->_mMagicNumber == (0xFEEDCABE))",
+                      "qvThread.posix");
+}
