@@ -12,6 +12,7 @@
 
 #include "qvOS/qvMutex_p.h"
 #include "support/ChildProcess.h"
+#include "support/FreeWatch.h"
 #include "support/Sanitizers.h"
 
 namespace {
@@ -304,6 +305,16 @@ TEST(qvMutex, EveryCheckedOperationAssertsOnAnObjectWithoutTheMagicNumber) {
   EXPECT_QV_ASSERTION(qvMutex_Unlock(&theCleared), kBadHandle, kSource);
   EXPECT_QV_ASSERTION(qvMutex_IsHeld(&theCleared), kBadHandle, kSource);
   EXPECT_QV_ASSERTION(qvMutex_Posix_Get(&theCleared), kBadHandle, kSource);
+}
+
+TEST(qvMutex, DeleteClearsTheMagicNumberBeforeTheMemoryIsFreed) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer has an allocator of its own";
+  }
+  qvOSMutex* theMutex = qvMutex_New();
+  WatchFreeOf(theMutex);
+  qvMutex_Delete(theMutex);
+  EXPECT_EQ(0u, FirstWordWhenFreed());
 }
 
 TEST(qvMutex, UsingADeletedHandleAsserts) {
