@@ -151,13 +151,20 @@ TEST_F(qvMACAddress, AsksAnIPv4DatagramSocketWithABufferOf1024Bytes) {
   EXPECT_EQ(1024, gNetwork.mListBufferSize);
 }
 
-TEST_F(qvMACAddress, ManyInterfacesFillTheBufferAndNoMore) {
+TEST_F(qvMACAddress, AsManyInterfacesAreLookedAtAsRecordsFitTheBuffer) {
+  // 1024 bytes hold 32 records of 32 bytes on the 32-bit target, 25 of 40 bytes here.
+  const size_t kRecordSize = sizeof(void*) == 4 ? 32 : 40;
+  const size_t kFitting = sizeof(void*) == 4 ? 32 : 25;
+  EXPECT_EQ(kRecordSize, sizeof(struct ifreq));
   for (int i = 0; i < 100; ++i) {
     gNetwork.mInterfaces.push_back({"lo" + std::to_string(i), kZeros});
   }
   EXPECT_EQ(-1, Get());
-  gNetwork.mInterfaces[20].mAddress = {1, 2, 3, 4, 5, 6};
-  EXPECT_EQ(1, Get());
+  gNetwork.mInterfaces[kFitting].mAddress = {6, 6, 6, 6, 6, 6};
+  EXPECT_EQ(-1, Get()) << "the first that does not fit";
+  gNetwork.mInterfaces[kFitting - 1].mAddress = {1, 2, 3, 4, 5, 6};
+  EXPECT_EQ(1, Get()) << "the last that fits";
+  EXPECT_EQ((Address{1, 2, 3, 4, 5, 6}), gFound);
 }
 
 TEST_F(qvMACAddressKept, TheStartingIndexIsNotUsed) {

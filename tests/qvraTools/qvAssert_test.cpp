@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <stdio.h>
 
 #include <functional>
 #include <string>
@@ -33,6 +34,12 @@ ChildResult RunLogged(const std::function<void()>& aBody) {
 void AssertInsideTheLog(void*, const qvLogData*, const char*, size_t) { qvAssertFail("inside the log"); }
 
 }  // namespace
+
+// The linker sends the library's calls of qvDebug_Break here.
+extern "C" void __wrap_qvDebug_Break(const char* aMessage) {
+  fprintf(stdout, "BREAK '%s'\n", aMessage);
+  fprintf(stderr, "BREAK '%s'\n", aMessage);
+}
 
 TEST(qvAssert, ATrueConditionDoesNothing) {
   ChildResult theResult = RunInChild([] { qvAssert(1 + 1 == 2); });
@@ -108,7 +115,7 @@ TEST(qvAssert, TheLogLineComesFromLine26OfTheRoutineItself) {
   ChildResult theResult = RunLogged([] { _qvAssert("a text", "a/file.c", 77); });
   std::vector<EchoedRecord> theRecords = EchoedRecords(theResult.mStderr);
   ASSERT_FALSE(theRecords.empty());
-  EXPECT_NE(std::string::npos, theRecords[0].mFile.find("qvAssert")) << theRecords[0].mFile;
+  EXPECT_NE(std::string::npos, theRecords[0].mFile.find("qvraTools/qvAssert.")) << theRecords[0].mFile;
   EXPECT_EQ(26, theRecords[0].mLine);
 }
 
@@ -118,6 +125,17 @@ TEST(qvAssert, ABackTraceIsLoggedAfterTheFailure) {
   ASSERT_LE(2u, theRecords.size());
   EXPECT_EQ(0u, theRecords[1].mText.find("Backtracing this thread (pid="));
   EXPECT_NE(std::string::npos, theResult.mStdout.find("Backtracing this thread (pid="));
+}
+
+TEST(qvAssert, TheDebuggerHookIsCalledBetweenTheLogLineAndTheFatalMessage) {
+  ChildResult theResult = RunLogged([] { qvAssertFail("hooked"); });
+  size_t theLogLine = theResult.mStderr.find("ASSERTION FAILED: 'hooked'");
+  size_t theBreak = theResult.mStderr.find("BREAK 'Assertion failed'\n");
+  size_t theMessage = theResult.mStderr.find("qvFatalError: ");
+  ASSERT_NE(std::string::npos, theBreak) << theResult.mStderr;
+  EXPECT_LT(theLogLine, theBreak);
+  EXPECT_LT(theBreak, theMessage);
+  EXPECT_EQ(0u, theResult.mStdout.find("BREAK 'Assertion failed'\nqvFatalError: ")) << theResult.mStdout;
 }
 
 TEST(qvAssert, AFailureInsideALogMessageEndsTheProcess) {
