@@ -202,6 +202,7 @@ TEST(qvCStringSearch, FirstGivesTheFirstPositionOfACharacter) {
 TEST(qvCStringSearch, ContainsTellsWhetherATextOccurs) {
   const qvCString theString("abcdef");
   EXPECT_TRUE(theString.Contains("cde"));
+  EXPECT_TRUE(theString.Contains("abc"));
   EXPECT_TRUE(theString.Contains(qvCString("abcdef")));
   EXPECT_FALSE(theString.Contains("ce"));
   EXPECT_FALSE(theString.Contains(qvCString("abcdefg")));

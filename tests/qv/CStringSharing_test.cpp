@@ -1,5 +1,6 @@
 // How texts of qvCString are counted, wrapped, checked out and kept in memory.
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -81,9 +82,11 @@ TEST(qvCStringSharing, AnEmptyTextWithABlockIsNotShared) {
 TEST(qvCStringSharing, AssigningSharesTheText) {
   const qvCString theString("abc");
   qvCString theOther("def");
+  const qvCString theOld(theOther);
   theOther = theString;
   EXPECT_EQ(theString.mCStringData, theOther.mCStringData);
   EXPECT_EQ(2, CountOf(theString));
+  EXPECT_EQ(1, CountOf(theOld));
 }
 
 TEST(qvCStringSharing, AssigningATextThatIsSharedAlreadyDoesNothing) {
@@ -338,6 +341,7 @@ TEST(qvCStringSharing, AllocBeforeWriteReplacesSharedAndEmptyTexts) {
   const qvCString theCopy(theShared);
   theShared.AllocBeforeWrite(40);
   EXPECT_EQ(1, CountOf(theShared));
+  EXPECT_EQ(1, CountOf(theCopy));
   EXPECT_EQ(0u, theShared.length());
   EXPECT_EQ(51u, CapacityOf(theShared));
   EXPECT_EQ("abc", TextOf(theCopy));
@@ -463,8 +467,9 @@ TEST(qvCStringSharing, AWriteBufferHoldsItsWholeLengthWithoutATerminatorFromTheC
 }
 
 TEST(qvCStringSharing, AFreshWriteBufferReadsAsEmpty) {
+  mallopt(M_PERTURB, 0xAA);  // new blocks are full of 0x55
   qvCString theString;
-  theString.GetWriteBuf(1000);
+  theString.GetWriteBuf(100000);
   theString.UngetWriteBuf();
   EXPECT_EQ("", TextOf(theString));
 }

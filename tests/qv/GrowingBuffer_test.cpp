@@ -40,6 +40,12 @@ TEST(qvGrowingBuffer, StartsWithABlockOfTheGivenSize) {
   EXPECT_EQ(&qvGrowingBuffer_NewBufferSize, theBuffer.mNewBufferSizeFunc);
 }
 
+TEST(qvGrowingBuffer, StartsWithABlockForASingleByte) {
+  const qvGrowingBuffer theBuffer(1);
+  EXPECT_NE(nullptr, theBuffer.mPtr);
+  EXPECT_EQ(1u, theBuffer.mSize);
+}
+
 TEST(qvGrowingBuffer, StartsWithoutABlockForSizeZero) {
   const qvGrowingBuffer theBuffer(0);
   EXPECT_EQ(NULL, theBuffer.mPtr);
