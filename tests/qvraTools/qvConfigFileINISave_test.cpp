@@ -2,7 +2,6 @@
 
 #include "qvraTools/qvConfigFileINISave_p.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -34,16 +33,6 @@ namespace {
 template <typename Body>
 std::string ResultInChild(const Body& aBody) {
   return RunInChild([&] { printf("%s", aBody().c_str()); }).mStdout;
-}
-
-// A save in a child in which one system call fails; "(no filter)" where that cannot be arranged.
-std::string TrySaveWithFailing(long aSystemCall, int anErrno, const std::string& aFile) {
-  return ResultInChild([&]() -> std::string {
-    if (!MakeSystemCallFail(aSystemCall, anErrno)) {
-      return "(no filter)";
-    }
-    return TrySave(aFile, "new");
-  });
 }
 
 // Puts a disk of 256 KiB over a folder, for this process alone. False where that is not allowed, or where
@@ -147,48 +136,6 @@ TEST(qvConfigFileINISave, FileThatIsAFolderMakesTheSaveFailAndIsCompletedByTheNe
   ASSERT_EQ(0, rmdir(theFolder.File("a.ini").c_str()));
   EXPECT_EQ("new", GenerationAtOpen(theFolder.File("a.ini")));
   EXPECT_EQ("a.ini", theFolder.Names());
-}
-
-TEST(qvConfigFileINISave, FailedSystemCallsMakeTheSaveFailAndTheOldFileStays) {
-  const struct {
-    long mSystemCall;
-    int mErrno;
-    const char* mWhy;
-  } kCases[] = {
-      {SYS_write, ENOSPC, "the disk is full"},
-      {SYS_write, EIO, "the medium fails"},
-      {SYS_fsync, EIO, "the medium fails when flushed"},
-      {SYS_close, EIO, "the medium fails when closed"},
-      {SYS_rename, EIO, "the medium fails when the name changes"},
-  };
-  for (const auto& theCase : kCases) {
-    SCOPED_TRACE(theCase.mWhy);
-    ScratchFolder theFolder;
-    WriteWholeFile(theFolder.File("a.ini"), GenerationText("old"));
-    ChildResult theResult = RunInChild([&] {
-      // The exit code speaks, since the call that fails may be the one that prints.
-      if (!MakeSystemCallFail(theCase.mSystemCall, theCase.mErrno)) {
-        _exit(12);
-      }
-      _exit(TrySave(theFolder.File("a.ini"), "new") == "0" ? 10 : 11);
-    });
-    if (theResult.mExitCode == 12) {
-      GTEST_SKIP() << "no system call can be made to fail here";
-    }
-    EXPECT_EQ(10, theResult.mExitCode);
-    EXPECT_EQ(GenerationText("old"), ReadWholeFile(theFolder.File("a.ini")));
-    EXPECT_EQ("a.ini", theFolder.Names()) << "the temporary file is still there";
-  }
-}
-
-TEST(qvConfigFileINISave, FolderWithoutLocksIsSavedToAllTheSame) {
-  ScratchFolder theFolder;
-  std::string theResult = TrySaveWithFailing(SYS_flock, ENOLCK, theFolder.File("a.ini"));
-  if (theResult == "(no filter)") {
-    GTEST_SKIP() << "no system call can be made to fail here";
-  }
-  EXPECT_EQ("1", theResult);
-  EXPECT_EQ("new", GenerationAtOpen(theFolder.File("a.ini")));
 }
 
 TEST(qvConfigFileINISave, FileLimitLeavesTheOldFileWhole) {

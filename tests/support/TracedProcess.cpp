@@ -1,11 +1,8 @@
 #include "support/TracedProcess.h"
 
 #include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <signal.h>
 #include <stdio.h>
-#include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -101,16 +98,4 @@ bool KillBeforeSystemCall(size_t anIndex, const std::function<void()>& aBody) {
     theNumber = theChild.NextSystemCall();
   }
   return theNumber >= 0;
-}
-
-bool MakeSystemCallFail(long aNumber, int anErrno) {
-  struct sock_filter theFilter[] = {
-      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(struct seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(aNumber), 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned>(anErrno)),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-  };
-  struct sock_fprog theProgram = {sizeof(theFilter) / sizeof(theFilter[0]), theFilter};
-  return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-         prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &theProgram) == 0;
 }

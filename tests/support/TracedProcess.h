@@ -19,8 +19,4 @@ std::vector<long> SystemCallsOf(const std::function<void()>& aBody);
 // call is not made. Returns false when the body ended before it.
 bool KillBeforeSystemCall(size_t anIndex, const std::function<void()>& aBody);
 
-// From now on a system call of this process fails with anErrno and does nothing. For use in a child, since it
-// cannot be undone. Returns false where that is not possible, as under an emulator.
-bool MakeSystemCallFail(long aNumber, int anErrno);
-
 #endif
