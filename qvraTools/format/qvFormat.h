@@ -25,8 +25,9 @@
  *     modifiers that C does not define for a conversion ("%hs", "%Ld"), and anything between the two
  *     characters of "%%" are errors.
  *
- * Neither locale nor rounding mode changes a result. Width and precision have no limit besides int, and
+ * Neither locale nor rounding mode changes the text. Width and precision have no limit besides int, and
  * cost no more than what is stored. Any thread may call everything here; no state is kept between calls.
+ * A format and a counter of "%n" are never null.
  */
 #ifndef QVRATOOLS_FORMAT_QVFORMAT_H
 #define QVRATOOLS_FORMAT_QVFORMAT_H
@@ -66,7 +67,7 @@ typedef wchar_t vexa_wchar_t;
  * The bounded functions write at most max - 1 characters and a terminator (with max 0 nothing, and buffer
  * may be null). They return the length of the whole output, whether or not it fitted: a result of max or
  * more means that the text was cut, and how large a buffer it needs. A negative result is a format error;
- * a buffer with room then holds the empty text. */
+ * a buffer with room then holds the empty text. Nothing is allocated. */
 QVLOG_API int qv_snprintf(char* buffer, size_t max, const char* format, ...) QV_PRINTF_FORMAT(3, 4);
 QVLOG_API int qv_vsnprintf(char* buffer, size_t max, const char* format, va_list args) QV_PRINTF_FORMAT(3, 0);
 
@@ -110,12 +111,14 @@ QVLOG_API double qv_pinf(void);
 QVLOG_API double qv_ninf(void);
 QVLOG_API double qv_nan(void);
 
-/* strlen. */
+/* strlen: bytes; string is not null. */
 QVLOG_API size_t _qv_length(const char* string);
-/* strerror. */
+/* strerror: the system's text for an errno value, in the language of the locale, valid until the thread's
+ * next call. Never null; the caller frees nothing. */
 QVLOG_API const char* _qv_error(int error);
-/* strtol and wcstol. A null string, and a base outside 2 to 36, fail an assertion of the system's library
- * (assert), in every build. */
+/* strtol and wcstol: endp may be null; what no long holds gives LONG_MIN or LONG_MAX, and errno ERANGE. A
+ * null string, and a base outside 2 to 36, fail an assertion of the system's library (assert), in every
+ * build. */
 QVLOG_API long _qv_to_long(const char* string, char** endp, int base);
 QVLOG_API long _qv_w_to_long(const vexa_wchar_t* string, vexa_wchar_t** endp, int base);
 

@@ -3,8 +3,8 @@
 
 #include "qvraTools/format/qvFormatNumber_p.h"
 
-static const char kqvFormat_LowerDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
-static const char kqvFormat_UpperDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+const char kqvFormat_LowerDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+const char kqvFormat_UpperDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
 const char kqvFormat_Pairs[] =
     "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051"

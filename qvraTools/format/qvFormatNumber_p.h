@@ -25,18 +25,23 @@ struct qvFormatNumber {
   char mPrefix[4];  // sign and "0x"
 };
 
+// The digits of every base up to 36.
+extern const char kqvFormat_LowerDigits[];
+extern const char kqvFormat_UpperDigits[];
+
 // 00 to 99: two digits a division.
 extern const char kqvFormat_Pairs[];
 
 // Characters that the digits of a number need at most; the caller provides them.
 #define kqvFormatInteger_BufferSize 24 /* 22 octal digits */
-#define kqvFormatDouble_BufferSize                                         \
-  1536 /* "%f": 309 digits, point, 1074 digits; spare for moving the point \
-        */
+// "%f": 309 digits, point, 1074 digits; spare for moving the point.
+#define kqvFormatDouble_BufferSize 1536
 #if LDBL_MANT_DIG == 64
 #define kqvFormatLongDouble_BufferSize 16640 /* "%f": "0.", 4931 zeros and 11514 digits of the smallest */
-#else
+#elif LDBL_MANT_DIG == DBL_MANT_DIG
 #define kqvFormatLongDouble_BufferSize kqvFormatDouble_BufferSize
+#else
+#error "long double is neither a double nor of 80 bits: its digits have to be made in another way"
 #endif
 
 // "%g" moves the digits of a small number to the left, over the room of its "0.000": this much is left free.

@@ -237,7 +237,7 @@ static char* qvFormat_S_WriteBinaryExponent(char* aStart, char aP, int anExponen
 static void qvFormat_S_SetHex(const qvFormatDirective& aDirective, const qvFormatReal& aReal, char* aBuffer,
                               qvFormatNumber* aNumber) {
   bool theUpper = qvFormat_S_IsUpper(aDirective);
-  const char* theDigits = theUpper ? "0123456789ABCDEF" : "0123456789abcdef";
+  const char* theDigits = theUpper ? kqvFormat_UpperDigits : kqvFormat_LowerDigits;
   qvFormatHexParts theParts = qvFormat_S_Split(aReal);
   int thePrecision = aDirective.mPrecision;
   if (thePrecision >= 0 && thePrecision < kqvFormatHex_Digits) {

@@ -42,7 +42,7 @@ inline void qvFormatSimple_WriteDecimal(Char* anEnd, uint32 aValue) {
 
 template <typename Char>
 inline void qvFormatSimple_WriteHex(Char* anEnd, uint32 aValue, bool afUpper) {
-  const char* theDigits = afUpper ? "0123456789ABCDEF" : "0123456789abcdef";
+  const char* theDigits = afUpper ? kqvFormat_UpperDigits : kqvFormat_LowerDigits;
   do {
     *--anEnd = static_cast<Char>(theDigits[aValue & 15]);
     aValue >>= 4;
