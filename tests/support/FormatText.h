@@ -16,7 +16,22 @@
 // One character a byte: for formats and expected texts that are ASCII.
 inline std::wstring Widen(const std::string& aText) { return std::wstring(aText.begin(), aText.end()); }
 
-// The output with its embedded zeros; "error CODE at POSITION" for a format error.
+// More than any directive needs at once: with less room left the library writes some of them another way.
+#define FORMATTEXT_SPARE_ROOM 128
+
+// Expects the same output as aText from a call with room to spare, and nothing behind its terminator.
+template <typename Text, typename Write>
+void ExpectSameWithRoomToSpare(const Text& aText, const Write& aWrite) {
+  Text theRoomy(aText.size() + FORMATTEXT_SPARE_ROOM, '~');
+  EXPECT_EQ(static_cast<int>(aText.size()), aWrite(&theRoomy[0], theRoomy.size()));
+  Text theExpected = aText;
+  theExpected += typename Text::value_type(0);
+  theExpected.resize(theRoomy.size(), '~');
+  EXPECT_EQ(theExpected, theRoomy);
+}
+
+// The output with its embedded zeros; "error CODE at POSITION" for a format error. It is written into a
+// buffer that it fills, and again into a larger one.
 template <typename... Arguments>
 std::string NarrowText(const char* aFormat, Arguments... anArguments) {
   int theLength = qv_snprintf(nullptr, 0, aFormat, anArguments...);
@@ -27,6 +42,9 @@ std::string NarrowText(const char* aFormat, Arguments... anArguments) {
   EXPECT_EQ(theLength, qv_snprintf(&theText[0], theText.size(), aFormat, anArguments...));
   EXPECT_EQ('\0', theText.back()) << "not terminated";
   theText.pop_back();
+  ExpectSameWithRoomToSpare(theText, [&](char* aBuffer, size_t aMax) {
+    return qv_snprintf(aBuffer, aMax, aFormat, anArguments...);
+  });
   return theText;
 }
 
@@ -40,6 +58,9 @@ std::wstring WideText(const wchar_t* aFormat, Arguments... anArguments) {
   EXPECT_EQ(theLength, qv_swprintf(&theText[0], theText.size(), aFormat, anArguments...));
   EXPECT_EQ(L'\0', theText.back()) << "not terminated";
   theText.pop_back();
+  ExpectSameWithRoomToSpare(theText, [&](wchar_t* aBuffer, size_t aMax) {
+    return qv_swprintf(aBuffer, aMax, aFormat, anArguments...);
+  });
   return theText;
 }
 

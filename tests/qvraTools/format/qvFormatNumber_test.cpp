@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <stdint.h>
+#include <string.h>
 
 #include <cmath>
 #include <limits>
@@ -317,11 +318,18 @@ TEST(qvFormatNumber, PrintsLongDoublesExactly) {
       {"1.18973149535723176502e+4932", "%.20Le", LDBL_MAX},
       {"3.6452e-4951", "%.4Le", LDBL_TRUE_MIN},
       {"0", "%.0Lf", LDBL_TRUE_MIN},
-      {"1e+01", "%.0Le", 9.9999999999999999999L},
-      {"10.0", "%.1Lf", 9.9999999999999999999L},
+      {"1e+01", "%.0Le", 9.999999999999999999L},
+      {"1.00e+01", "%.2Le", 9.999999999999999999L},
+      {"10", "%.0Lf", 9.999999999999999999L},
+      {"10.000", "%.3Lf", 9.999999999999999999L},
+      {"10", "%Lg", 9.999999999999999999L},
+      {"10.0000", "%#Lg", 9.999999999999999999L},
+      {"9.99999999999999999913", "%.20Lf", 9.999999999999999999L},
+      {"0.0100", "%.4Lf", 0.00999999999999999999L},
+      {"1.0e-02", "%.1Le", 0.00999999999999999999L},
       {"1", "%.0Lf", 0.50000000000000000003L},
       {"0", "%.0Lf", 0.49999999999999999997L},
-      {"1.e+01", "%#.0Le", 9.9999999999999999999L},
+      {"1.e+01", "%#.0Le", 9.999999999999999999L},
       {"0xc.ccccccccccccccdp-7", "%La", 0.1L},
       {"0x8p-3", "%La", 1.0L},
       {"0X8.0P-3", "%.1LA", 1.0L},
@@ -341,6 +349,34 @@ TEST(qvFormatNumber, PrintsLongDoublesExactly) {
 #endif
   ExpectNumbers(kCases);
 }
+
+#if LDBL_MANT_DIG == 64
+struct OddLongDouble {
+  uint64_t mMantissa;
+  uint16_t mExponent;
+  const char* mExpected;
+  const char* mWhy;
+};
+
+TEST(qvFormatNumber, PrintsBitsThatTheProcessorNeverMakes) {
+  const OddLongDouble kCases[] = {
+      {0, 0x3fff, "nan nan nan", "zero with an exponent"},
+      {1, 0x3fff, "nan nan nan", "without the leading bit"},
+      {0x4000000000000000, 0x7ffe, "nan nan nan", "large, without the leading bit"},
+      {0, 0x7fff, "nan nan nan", "infinity without the leading bit"},
+      {1, 0x7fff, "nan nan nan", "NaN without the leading bit"},
+      {0xc000000000000001, 0, "5.0432e-4932 0.00 0xc.000000000000001p-16385", "the leading bit, no exponent"},
+  };
+  for (const OddLongDouble& theCase : kCases) {
+    long double theNumber = 0;
+    memcpy(&theNumber, &theCase.mMantissa, sizeof theCase.mMantissa);
+    memcpy(reinterpret_cast<char*>(&theNumber) + sizeof theCase.mMantissa, &theCase.mExponent,
+           sizeof theCase.mExponent);
+    SCOPED_TRACE(theCase.mWhy);
+    ExpectFormatted(theCase.mExpected, "%.4Le %.2Lf %La", theNumber, theNumber, theNumber);
+  }
+}
+#endif
 
 TEST(qvFormatNumber, PrintsEveryDigitOfTheSmallestNumber) {
   std::string theText = NarrowText("%.1080f", 4.9406564584124654e-324);

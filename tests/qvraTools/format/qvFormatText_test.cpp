@@ -138,6 +138,19 @@ TEST(qvFormatText, PassesBytesThatAreNotUTF8) {
   EXPECT_EQ(theBytes, NarrowText(theFormat.c_str()));
 }
 
+TEST(qvFormatText, SeesADirectiveBehindBytesThatAreNotUTF8) {
+  EXPECT_EQ(
+      "\xe2"
+      "5",
+      NarrowText("\xe2%d", 5))
+      << "a lead byte takes nothing";
+  EXPECT_EQ(
+      "\xf0\x9f"
+      "5%\xc3",
+      NarrowText("\xf0\x9f%d%%\xc3", 5));
+  EXPECT_EQ("error 2 at 3", NarrowText("\xe2\x82%\xe2\x82"));
+}
+
 struct DecodedText {
   const char* mText;
   const wchar_t* mWide;

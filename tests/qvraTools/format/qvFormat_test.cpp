@@ -10,9 +10,12 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <atomic>
 #include <limits>
 #include <string>
+#include <thread>
 #include <type_traits>
+#include <vector>
 
 #include "qvraTools/qvMalloc.h"
 #include "support/ChildProcess.h"
@@ -169,6 +172,28 @@ TEST(qvFormat, TakesArgumentLists) {
   EXPECT_STREQ("abc-42", theBuffer);
   EXPECT_EQ(6, CallWideV(theWideBuffer, 16, L"%s-%d", "abc", 42));
   EXPECT_STREQ(L"abc-42", theWideBuffer);
+}
+
+TEST(qvFormat, KeepsNothingBetweenCallsOfSeveralThreads) {
+  std::vector<std::thread> theThreads;
+  std::atomic<int> theDifferences(0);
+  for (int theThread = 0; theThread < 4; ++theThread) {
+    theThreads.emplace_back([theThread, &theDifferences] {
+      const std::string kExpected =
+          std::to_string(theThread) + "|0.100|  " + std::to_string(theThread) + "|x";
+      for (int theCall = 0; theCall < 500; ++theCall) {
+        char theBuffer[64];
+        qv_snprintf(theBuffer, sizeof theBuffer, "%2$d|%1$.3f|%2$3d|%3$s", 0.1, theThread, "x");
+        theDifferences += kExpected != theBuffer;
+        qv_snprintf(theBuffer, sizeof theBuffer, "%d|%.3Lf|%3d|%ls", theThread, 0.1L, theThread, L"x");
+        theDifferences += kExpected != theBuffer;
+      }
+    });
+  }
+  for (std::thread& theThread : theThreads) {
+    theThread.join();
+  }
+  EXPECT_EQ(0, theDifferences);
 }
 
 TEST(qvFormat, TakesTheSystemsWideCharacter) {
