@@ -30,37 +30,49 @@ void ExpectSameWithRoomToSpare(const Text& aText, const Write& aWrite) {
   EXPECT_EQ(theExpected, theRoomy);
 }
 
+// Expects the same error as aResult from a call with room, which stores an empty text.
+template <typename Char, typename Write>
+void ExpectSameErrorWithRoom(int aResult, const Write& aWrite) {
+  Char theRoomy[FORMATTEXT_SPARE_ROOM] = {'~'};
+  EXPECT_EQ(aResult, aWrite(theRoomy, FORMATTEXT_SPARE_ROOM));
+  EXPECT_EQ(0, theRoomy[0]);
+}
+
 // The output with its embedded zeros; "error CODE at POSITION" for a format error. It is written into a
 // buffer that it fills, and again into a larger one.
 template <typename... Arguments>
 std::string NarrowText(const char* aFormat, Arguments... anArguments) {
-  int theLength = qv_snprintf(nullptr, 0, aFormat, anArguments...);
+  auto theWrite = [&](char* aBuffer, size_t aMax) {
+    return qv_snprintf(aBuffer, aMax, aFormat, anArguments...);
+  };
+  int theLength = theWrite(nullptr, 0);
   if (theLength < 0) {
+    ExpectSameErrorWithRoom<char>(theLength, theWrite);
     return "error " + std::to_string(-theLength & 0xff) + " at " + std::to_string(-theLength >> 8);
   }
   std::string theText(static_cast<size_t>(theLength) + 1, '?');
-  EXPECT_EQ(theLength, qv_snprintf(&theText[0], theText.size(), aFormat, anArguments...));
+  EXPECT_EQ(theLength, theWrite(&theText[0], theText.size()));
   EXPECT_EQ('\0', theText.back()) << "not terminated";
   theText.pop_back();
-  ExpectSameWithRoomToSpare(theText, [&](char* aBuffer, size_t aMax) {
-    return qv_snprintf(aBuffer, aMax, aFormat, anArguments...);
-  });
+  ExpectSameWithRoomToSpare(theText, theWrite);
   return theText;
 }
 
 template <typename... Arguments>
 std::wstring WideText(const wchar_t* aFormat, Arguments... anArguments) {
-  int theLength = qv_swprintf(nullptr, 0, aFormat, anArguments...);
+  auto theWrite = [&](wchar_t* aBuffer, size_t aMax) {
+    return qv_swprintf(aBuffer, aMax, aFormat, anArguments...);
+  };
+  int theLength = theWrite(nullptr, 0);
   if (theLength < 0) {
+    ExpectSameErrorWithRoom<wchar_t>(theLength, theWrite);
     return L"error " + std::to_wstring(-theLength & 0xff) + L" at " + std::to_wstring(-theLength >> 8);
   }
   std::wstring theText(static_cast<size_t>(theLength) + 1, L'?');
-  EXPECT_EQ(theLength, qv_swprintf(&theText[0], theText.size(), aFormat, anArguments...));
+  EXPECT_EQ(theLength, theWrite(&theText[0], theText.size()));
   EXPECT_EQ(L'\0', theText.back()) << "not terminated";
   theText.pop_back();
-  ExpectSameWithRoomToSpare(theText, [&](wchar_t* aBuffer, size_t aMax) {
-    return qv_swprintf(aBuffer, aMax, aFormat, anArguments...);
-  });
+  ExpectSameWithRoomToSpare(theText, theWrite);
   return theText;
 }
 

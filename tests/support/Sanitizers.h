@@ -3,16 +3,18 @@
 #define TESTS_SUPPORT_SANITIZERS_H
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
+#define QVLOG_SANITIZED 1
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool kSanitized = true;
+#define QVLOG_SANITIZED 1
 #else
-constexpr bool kSanitized = false;
+#define QVLOG_SANITIZED 0
 #endif
 #else
-constexpr bool kSanitized = false;
+#define QVLOG_SANITIZED 0
 #endif
+
+constexpr bool kSanitized = QVLOG_SANITIZED != 0;
 
 #if defined(__SANITIZE_THREAD__)
 constexpr bool kThreadSanitized = true;

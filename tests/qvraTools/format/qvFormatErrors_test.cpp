@@ -173,8 +173,11 @@ TEST(qvFormatErrors, InvalidIsAMixOfDirectivesWithAndWithoutPositions) {
       {"%1$.*d", "error 2 at 5", "a plain precision"},
       {"%.*1$d", "error 2 at 5", "only the precision has a position"},
       {"%1$*2$.*d", "error 2 at 8", "a plain precision beside a width"},
+      {"%c %1$d", "error 2 at 6", "a position behind a plain character"},
+      {"%5.1d %1$d", "error 2 at 9", "a position behind a plain one with parts"},
   };
   ExpectErrors(kCases);
+  ExpectFormatted("error 2 at 6", "%s %1$s", "a");
 }
 
 TEST(qvFormatErrors, EndOfFormatIsADirectiveThatIsCutOff) {

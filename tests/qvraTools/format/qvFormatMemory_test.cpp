@@ -1,4 +1,5 @@
 // What the formatting functions allocate: nothing, or one block of the right size.
+#include <float.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <stddef.h>
@@ -14,7 +15,7 @@
 // Calls of malloc in this program. The sanitizers bring their own malloc, which is not counted.
 static size_t sAllocations = 0;
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if !QVLOG_SANITIZED
 extern "C" void* __libc_malloc(size_t aSize);
 
 extern "C" void* malloc(size_t aSize) noexcept {
@@ -34,7 +35,7 @@ TEST(qvFormatMemory, BoundedOutputAllocatesNothing) {
   qv_snprintf(theBuffer, 64, "%d %5llx %s %ls %c %lc %p%n", 1, 2LL, "a", L"\u20ac", 'b', L'c', theBuffer,
               &theCount);
   qv_snprintf(theBuffer, 64, "%.1000f %.800e %g %a", 1e300, 5e-324, 0.1, 0.1);
-  qv_snprintf(theBuffer, 64, "%.17000Lf %.12000Le %Lg %La", 3.3e-4932L, 3.3e-4932L, 0.1L, 0.1L);
+  qv_snprintf(theBuffer, 64, "%.17000Lf %.12000Le %Lg %La", LDBL_TRUE_MIN, LDBL_TRUE_MIN, 0.1L, 0.1L);
   qv_snprintf(theBuffer, 64, "%2147483647d", 1);
   qv_snprintf(theBuffer, 64, "%64$d", 1);
   qv_swprintf(theWideBuffer, 64, L"%2$.3f %1$100s", "\xe2\x82\xac", 0.1);

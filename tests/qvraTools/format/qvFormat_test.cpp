@@ -20,6 +20,7 @@
 #include "qvraTools/qvMalloc.h"
 #include "support/ChildProcess.h"
 #include "support/FormatText.h"
+#include "support/Sanitizers.h"
 
 // Some formats here are wrong on purpose, or cut on purpose.
 #pragma GCC diagnostic ignored "-Wformat"
@@ -116,6 +117,17 @@ TEST(qvFormat, CutsInsideEveryPartOfANumber) {
   for (size_t theMax = 1; theMax <= kWhole.size() + 1; ++theMax) {
     std::string theBuffer(kWhole.size() + 2, '~');
     EXPECT_EQ(20, qv_snprintf(&theBuffer[0], theMax, " %+012.3e |%-4d|", 1.5e10, -7));
+    EXPECT_EQ(kWhole.substr(0, theMax - 1), theBuffer.c_str());
+    EXPECT_EQ('~', theBuffer[theMax]) << "wrote behind the bound " << theMax;
+  }
+}
+
+TEST(qvFormat, CutsInsideEverySimpleDirective) {
+  const std::string kWhole = "-2147483648|-0042|                  ff|CAFE|text|c";
+  for (size_t theMax = 1; theMax <= kWhole.size() + 1; ++theMax) {
+    std::string theBuffer(kWhole.size() + 2, '~');
+    EXPECT_EQ(50, qv_snprintf(&theBuffer[0], theMax, "%d|%05d|%20x|%X|%s|%c", INT_MIN, -42, 255u, 0xcafeu,
+                              "text", 'c'));
     EXPECT_EQ(kWhole.substr(0, theMax - 1), theBuffer.c_str());
     EXPECT_EQ('~', theBuffer[theMax]) << "wrote behind the bound " << theMax;
   }
@@ -300,9 +312,9 @@ TEST(qvFormat, AllocatesNothingForATextThatNoIntCounts) {
 }
 
 TEST(qvFormat, EndsTheProcessWhenAWideTextIsLargerThanMemory) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  GTEST_SKIP() << "the sanitizers need the memory, and end the process in their own way";
-#endif
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizers need the memory, and end the process in their own way";
+  }
   // (2^30 + 1) characters of 4 bytes; as a size of 32 bits that wraps to 4.
   ChildResult theResult = RunInChild([] {
     rlimit theLimit = {1u << 30, 1u << 30};
