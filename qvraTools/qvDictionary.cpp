@@ -1,5 +1,6 @@
 #include "qvraTools/qvDictionary.h"
 
+#include <stdint.h>
 #include <string.h>
 
 #include "qvraTools/qvAssert.h"
@@ -27,8 +28,10 @@ static void qvDictionary_S_MakeFree(qvDictionaryEntry* anEntry) {
 
 static void qvDictionary_S_AddFreeSlots(qvDictionary* aDictionary, size_t aCount) {
   size_t theNewSize = aDictionary->mSize + aCount;
-  aDictionary->mEntries = static_cast<qvDictionaryEntry*>(
-      qvRealloc(aDictionary->mEntries, theNewSize * sizeof(qvDictionaryEntry)));
+  // A product that wraps round would be a small block; the largest size of all is refused instead.
+  size_t theBytes =
+      theNewSize <= SIZE_MAX / sizeof(qvDictionaryEntry) ? theNewSize * sizeof(qvDictionaryEntry) : SIZE_MAX;
+  aDictionary->mEntries = static_cast<qvDictionaryEntry*>(qvRealloc(aDictionary->mEntries, theBytes));
   for (size_t i = aDictionary->mSize; i < theNewSize; ++i) {
     qvDictionary_S_MakeFree(&aDictionary->mEntries[i]);
   }
@@ -55,9 +58,13 @@ static qvDictionaryEntry* qvDictionary_S_FindFree(qvDictionary* aDictionary) {
   return NULL;
 }
 
-// Puts a copy of aNewText into the block *aText, resized. aNewText may lie in that block: a caller may hand
-// back a text that it has read from the dictionary.
+// Puts a copy of aNewText into the block *aText, resized. An equal text is left where it is, so that pointers
+// to it stay good: settings are read by writing their section's entry anew. aNewText may lie in that block: a
+// caller may hand back a text that it has read from the dictionary.
 static void qvDictionary_S_StoreText(char** aText, const char* aNewText) {
+  if (strcmp(*aText, aNewText) == 0) {
+    return;
+  }
   size_t theSize = strlen(aNewText) + 1;
   uintptr_t theOffset = reinterpret_cast<uintptr_t>(aNewText) - reinterpret_cast<uintptr_t>(*aText);
   if (theOffset <= strlen(*aText)) {

@@ -4,8 +4,9 @@
  * mismatches. That suits the tens of entries of a settings file; every operation is linear in the number of
  * slots. A dictionary has no lock: it belongs to one thread at a time.
  *
- * Texts that these functions return point into the dictionary: they live until their entry is written again
- * or deleted, or until the dictionary is deleted. */
+ * Texts that these functions return point into the dictionary: they live until their entry is changed or
+ * deleted, or until the dictionary is deleted. Dictionaries and keys that are handed over must not be null;
+ * where nothing else is said, that is not checked. */
 #ifndef QVRATOOLS_QVDICTIONARY_H
 #define QVRATOOLS_QVDICTIONARY_H
 

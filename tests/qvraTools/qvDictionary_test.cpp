@@ -1,12 +1,19 @@
 #include "qvraTools/qvDictionary.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <stdint.h>
 
 #include <cstddef>
 #include <string>
 
 #include "support/ChildProcess.h"
+#include "support/FatalLine.h"
 #include "support/ScratchDictionary.h"
+
+// The sanitizers' allocators end the process themselves unless they are told to return null.
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
 
@@ -50,6 +57,18 @@ TEST(qvDictionary, NewOneAskedForNineSlotsHasNine) {
   ScratchDictionary theDictionary(9);
   ASSERT_EQ(9u, theDictionary->mSize);
   ExpectFreeSlot(theDictionary->mEntries[8]);
+}
+
+TEST(qvDictionary, SlotsThatNoMemoryHoldsEndTheProcess) {
+  const std::string theExpected = sizeof(size_t) == 8
+                                      ? "qvFatalError: memory:realloc, size=18446744073709551615"
+                                      : "qvFatalError: memory:realloc, size=4294967295";
+  // The bytes of these slots wrap round to those of a few, and to nearly all that there are.
+  for (size_t theSlots : {SIZE_MAX / sizeof(qvDictionaryEntry) + 1, SIZE_MAX}) {
+    ChildResult theResult = RunInChild([&] { qvDictionary_New(theSlots); });
+    EXPECT_EQ(SIGABRT, theResult.mSignal) << theSlots;
+    EXPECT_EQ(theExpected, FatalLine(theResult.mStderr)) << theSlots;
+  }
 }
 
 TEST(qvDictionary, NinthInsertionGrowsToSixteenSlotsAndEntriesKeepTheirIndices) {
@@ -140,6 +159,14 @@ TEST(qvDictionary, ValueReadFromAnEntryMayBeWrittenBackToIt) {
   theValue = qvDictionary_ReadKey(theDictionary.Get(), "key", nullptr);
   qvDictionary_WriteKey(theDictionary.Get(), "key", theValue + 8);
   EXPECT_EQ("that is longer than most", theDictionary.Read("key"));
+}
+
+TEST(qvDictionary, ValueRewrittenWithAnEqualTextStaysWhereItIs) {
+  ScratchDictionary theDictionary;
+  theDictionary.Write("key", "value");
+  const char* theValue = qvDictionary_ReadKey(theDictionary.Get(), "key", nullptr);
+  theDictionary.Write("key", "value");
+  EXPECT_EQ(theValue, qvDictionary_ReadKey(theDictionary.Get(), "key", nullptr));
 }
 
 TEST(qvDictionary, NullValueIsStoredAsTheEmptyText) {
