@@ -253,7 +253,9 @@ int qvINIFile_DeleteSection(qvDictionary* aDictionary, const char* aSection) {
   aSection = qvINIFile_S_SectionOrDefault(aSection);
   qvAssert((strlen(aSection) < kqvINIFile_SectionMaxLength));
   char theSection[kqvINIFile_SectionMaxLength];
+  char theGivenName[kqvINIFile_SectionMaxLength];
   qvINIFile_S_ToLower(theSection, aSection);
+  strcpy(theGivenName, aSection);  // aSection may lie in an entry that goes
   size_t theLength = strlen(theSection);
   size_t theIndex = 0;
   while (theIndex < qvDictionary_GetEntryCount(aDictionary)) {
@@ -267,6 +269,6 @@ int qvINIFile_DeleteSection(qvDictionary* aDictionary, const char* aSection) {
   }
   // KEEP qvINIFileKept.DeleteSectionKeepsTheEntryOfANameWithCapitals
   // The name is not folded here, so only a lower-case name removes the section's own entry.
-  qvDictionary_DeleteKey(aDictionary, aSection);
+  qvDictionary_DeleteKey(aDictionary, theGivenName);
   return 1;
 }

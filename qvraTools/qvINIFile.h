@@ -15,7 +15,9 @@
  * The text: lines "key = value" under headers "[section]". A line that begins with ';' or '#' is a comment;
  * an unquoted value ends at the first ';' or '#'. A value in double or single quotes may hold anything but
  * that quote; a backslash in it makes the next character literal. A line without '=' is a key with the empty
- * value. A UTF-8 byte order mark at the start is skipped. Line breaks in values do not survive a save. */
+ * value. A UTF-8 byte order mark at the start is skipped. What does not survive a save: line breaks in
+ * values, white space other than blanks at their ends, and a section whose name holds '/', which is neither
+ * counted nor named. */
 #ifndef QVRATOOLS_QVINIFILE_H
 #define QVRATOOLS_QVINIFILE_H
 
@@ -104,7 +106,8 @@ QVLOG_API int qvINIFile_DeleteSection(qvDictionary* aDictionary, const char* aSe
  * opened or read. A line of 128 bytes or more that is neither header nor assignment fails an assertion. */
 QVLOG_API int qvINIFile_LoadINIFile(const char* aFileName, qvDictionary* aDictionary);
 
-/* The same from aBufferSize bytes of memory, which need no terminator; returns 1. */
+/* The same from aBufferSize bytes of memory, which need no terminator and may be null when aBufferSize is 0;
+ * returns 1. */
 QVLOG_API int qvINIFile_LoadINIFileFromBuffer(const char* aBuffer, size_t aBufferSize,
                                               qvDictionary* aDictionary);
 

@@ -49,6 +49,7 @@ static void qvINIFile_S_AppendKey(SavedText* aText, const char* aKey, const char
   qvFree(theQuotedValue);
 }
 
+// The parameter bears the name that the assertion prints.
 static void qvINIFile_S_AppendSection(SavedText* aText, qvDictionary* aDictionary,
                                       const char* theSectionName) {
   qvAssert(strlen(theSectionName) < kqvINIFile_HashTableKeyMaxLength);

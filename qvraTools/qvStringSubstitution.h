@@ -2,8 +2,8 @@
  *
  * A variable is a name between two marks. The caller's function says what a name stands for; names that
  * begin with "env." are environment variables whenever that function does not know them. Every text that
- * these functions return is new: the caller releases it with qvFree. They keep no state of their own and may
- * run on any thread. */
+ * these functions return is new: the caller releases it with qvFree. Only the text to substitute in, the
+ * function and its user data may be null. They keep no state of their own and may run on any thread. */
 #ifndef QVRATOOLS_QVSTRINGSUBSTITUTION_H
 #define QVRATOOLS_QVSTRINGSUBSTITUTION_H
 

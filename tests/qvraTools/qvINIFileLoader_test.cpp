@@ -7,6 +7,7 @@
 #include "qvraTools/qvINIFile.h"
 #include "qvraTools/qvINIFile_p.h"
 #include "support/ChildProcess.h"
+#include "support/FreeDescriptor.h"
 #include "support/ScratchDictionary.h"
 #include "support/ScratchFolder.h"
 
@@ -307,6 +308,16 @@ TEST(qvINIFileLoader, FolderInsteadOfAFileReturns0) {
 TEST(qvINIFileLoader, MissingFileReturns0EvenWithoutADictionary) {
   ScratchFolder theFolder;
   EXPECT_EQ(0, qvINIFile_LoadINIFile(theFolder.File("none.ini").c_str(), nullptr));
+}
+
+TEST(qvINIFileLoader, FileIsClosedAgain) {
+  ScratchFolder theFolder;
+  WriteWholeFile(theFolder.File("a.ini"), "k=v\n");
+  ScratchDictionary theDictionary;
+  int theDescriptor = LowestFreeDescriptor();
+  EXPECT_EQ(1, qvINIFile_LoadINIFile(theFolder.File("a.ini").c_str(), theDictionary.Get()));
+  EXPECT_EQ(0, qvINIFile_LoadINIFile(theFolder.Path().c_str(), theDictionary.Get()));
+  EXPECT_EQ(theDescriptor, LowestFreeDescriptor());
 }
 
 TEST(qvINIFileLoader, FileIsNotChanged) {

@@ -10,6 +10,7 @@
 #include "qvraTools/qvINIFile.h"
 #include "qvraTools/qvINIFile_p.h"
 #include "support/ChildProcess.h"
+#include "support/FreeDescriptor.h"
 #include "support/ScratchDictionary.h"
 #include "support/ScratchFolder.h"
 
@@ -174,6 +175,16 @@ TEST(qvINIFileSaver, LongerOldFileIsReplacedWhole) {
   theDictionary.Load("a=1");
   EXPECT_EQ(1, qvINIFile_SaveINIFile(theFolder.File("a.ini").c_str(), theDictionary.Get()));
   EXPECT_EQ("a=1\n", ReadWholeFile(theFolder.File("a.ini")));
+}
+
+TEST(qvINIFileSaver, FileIsClosedAgain) {
+  ScratchFolder theFolder;
+  ScratchDictionary theDictionary;
+  theDictionary.Load("a=1");
+  int theDescriptor = LowestFreeDescriptor();
+  EXPECT_EQ(1, qvINIFile_SaveINIFile(theFolder.File("a.ini").c_str(), theDictionary.Get()));
+  EXPECT_EQ(1, qvINIFile_S_SaveINIFileDurably(theFolder.File("b.ini").c_str(), theDictionary.Get()));
+  EXPECT_EQ(theDescriptor, LowestFreeDescriptor());
 }
 
 TEST(qvINIFileSaver, FileThatCannotBeOpenedReturns0) {

@@ -321,6 +321,27 @@ TEST(qvINIFile, ReadingWithoutKeyTellsWhetherTheSectionExists) {
   EXPECT_EQ("net=|net/k=v", theDictionary.Content());
 }
 
+TEST(qvINIFile, TextStaysGoodWhileOtherKeysAreReadAndWritten) {
+  ScratchDictionary theDictionary;
+  theDictionary.Load("[s]\na=1\n");
+  int theFound = 0;
+  const char* theSection = qvINIFile_ReadKeyAsString(theDictionary.Get(), "s", nullptr, nullptr, &theFound);
+  const char* theValue = qvINIFile_ReadKeyAsString(theDictionary.Get(), "s", "a", nullptr, &theFound);
+  for (int i = 0; i < 20; ++i) {
+    qvINIFile_WriteKeyAsInt32(theDictionary.Get(), "s", std::to_string(i).c_str(), i);
+  }
+  EXPECT_EQ(theSection, qvINIFile_ReadKeyAsString(theDictionary.Get(), "s", nullptr, nullptr, &theFound));
+  EXPECT_EQ(theValue, qvINIFile_ReadKeyAsString(theDictionary.Get(), "s", "a", nullptr, &theFound));
+}
+
+TEST(qvINIFile, ReadingAKeyEmptiesTheSectionEntry) {
+  ScratchDictionary theDictionary;
+  theDictionary.Write("net", "text");
+  int theFound = -1;
+  qvINIFile_ReadKeyAsString(theDictionary.Get(), "net", "k", "", &theFound);
+  EXPECT_EQ("net=", theDictionary.Content());
+}
+
 TEST(qvINIFileKept, ReadingAKeyAddsItsSection) {
   ScratchDictionary theDictionary;
   int theFound = -1;
@@ -386,6 +407,8 @@ TEST(qvINIFile, Int32IsDecimalTextOrTheDefault) {
       {"+42", 42, "a sign"},
       {"2147483647", 2147483647, "the highest"},
       {"-2147483648", INT32_MIN, "the lowest"},
+      {"-2147483646", -2147483646, "near the lowest"},
+      {"-2147483647", INT32_MIN, "the parser takes this one for the lowest"},
       {"017", 17, "no octal"},
       {"", 5, "no number"},
       {"abc", 5, "no number"},
@@ -459,6 +482,17 @@ TEST(qvINIFile, SubstitutionReplacesVariablesOfTheValue) {
       qvINIFile_ReadKeyAsStringWithSubstitution(theDictionary.Get(), "s", "k", "", &theFound, KnowsX);
   EXPECT_STREQ("aZbc 100%", theText);
   EXPECT_EQ(1, theFound);
+  qvFree(theText);
+}
+
+TEST(qvINIFile, SubstitutionDoesNotLookIntoReplacements) {
+  setenv("QVTEST_SET", "<%x%>", 1);
+  ScratchDictionary theDictionary;
+  qvINIFile_WriteKeyAsString(theDictionary.Get(), "s", "k", "%env.QVTEST_SET%");
+  int theFound = -1;
+  char* theText =
+      qvINIFile_ReadKeyAsStringWithSubstitution(theDictionary.Get(), "s", "k", "", &theFound, KnowsX);
+  EXPECT_STREQ("<%x%>", theText);
   qvFree(theText);
 }
 
@@ -557,6 +591,23 @@ TEST(qvINIFile, DeletingTheDefaultSectionByNullOrEmptyNameRemovesIt) {
   }
 }
 
+TEST(qvINIFile, SectionMayBeDeletedByATextOfItsOwn) {
+  ScratchDictionary theDictionary;
+  theDictionary.Load("[a section of some length]\nself=a section of some length\n[s]\ns=1\n");
+  int theFound = 0;
+  EXPECT_EQ(1,
+            qvINIFile_DeleteSection(theDictionary.Get(),
+                                    qvINIFile_ReadKeyAsString(theDictionary.Get(), "a section of some length",
+                                                              "self", nullptr, &theFound)));
+  EXPECT_EQ("default=|s=|s/s=1", theDictionary.Content());
+  EXPECT_EQ(1,
+            qvINIFile_DeleteSection(theDictionary.Get(), qvINIFile_GetKeyName(theDictionary.Get(), "s", 0)));
+  EXPECT_EQ("default=", theDictionary.Content());
+  EXPECT_EQ(1,
+            qvINIFile_DeleteSection(theDictionary.Get(), qvDictionary_GetKeyAtIndex(theDictionary.Get(), 0)));
+  EXPECT_EQ("", theDictionary.Content());
+}
+
 TEST(qvINIFile, DeletingAnAbsentSectionReturns1) {
   ScratchDictionary theDictionary;
   theDictionary.Load("a=1\n");
@@ -571,4 +622,9 @@ TEST(qvINIFileKept, DeleteSectionKeepsTheEntryOfANameWithCapitals) {
   EXPECT_EQ("s=", theDictionary.Content());
   EXPECT_EQ(1, qvINIFile_DeleteSection(theDictionary.Get(), "s"));
   EXPECT_EQ("", theDictionary.Content());
+  // It is the entry of exactly the given name that goes last; the functions here write none with capitals.
+  theDictionary.Write("S", "");
+  theDictionary.Write("s", "");
+  EXPECT_EQ(1, qvINIFile_DeleteSection(theDictionary.Get(), "S"));
+  EXPECT_EQ("s=", theDictionary.Content());
 }
