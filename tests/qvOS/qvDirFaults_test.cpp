@@ -1,5 +1,6 @@
-// What the traverser makes of a file system that does not tell the type of an entry, of names that are too
-// long and of reads that fail. The functions below stand before the system's own in this program.
+// What qvDir makes of a file system that does not tell the type of an entry, of names that are too long, of
+// reads that fail and of somebody who makes the same folders. The functions below stand before the system's
+// own in this program.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <errno.h>
@@ -30,6 +31,9 @@ DIR* sDir = nullptr;
 // The paths below it that were asked for, in order; sfAllAreFiles says that each is a regular file.
 std::vector<std::string> sAsked;
 bool sfAllAreFiles = false;
+
+// Whether somebody else makes each folder, just before this process would.
+bool sfOthersAreQuicker = false;
 
 bool IsFake(const char* aPath) { return !sPath.empty() && aPath == sPath; }
 bool IsBelowFake(const char* aPath) {
@@ -99,6 +103,20 @@ extern "C" int stat(const char* aPath, struct stat* aStat) noexcept {
     }
   }
   return fstatat(AT_FDCWD, aPath, aStat, 0);
+}
+
+extern "C" int mkdir(const char* aPath, mode_t aMode) noexcept {
+  int theResult = mkdirat(AT_FDCWD, aPath, aMode);
+  return sfOthersAreQuicker ? mkdirat(AT_FDCWD, aPath, aMode) : theResult;
+}
+
+TEST(qvDirFaults, APathThatSomebodyElseMakesAtTheSameTimeExists) {
+  ScratchFolder theScratch;
+  sfOthersAreQuicker = true;
+  EXPECT_EQ(1, qvDir_CreatePath(theScratch.File("a/b").c_str()));
+  EXPECT_EQ(-1, qvDir_Create(theScratch.File("c").c_str()));
+  sfOthersAreQuicker = false;
+  EXPECT_EQ(1, qvDir_Exists(theScratch.File("a/b").c_str()));
 }
 
 TEST(qvDirFaults, TheTypeThatAnEntryTellsIsTaken) {

@@ -138,6 +138,7 @@ TEST(qvFile, OpenModesThatDoNotGoTogetherAreRefused) {
       {kW | kC | kA, "create with append and write"},
       {kRW | kC | kA | kT, "create with append and truncate"},
       {kW | kC | kE | kT, "create with exclusive and truncate"},
+      {kRW | kC | kE | kT, "create with exclusive and truncate, reading as well"},
       {kW | kE, "exclusive without create"},
       {kR | kE, "exclusive without create, reading"},
       {kA | kE, "exclusive without create, appending"},

@@ -175,6 +175,11 @@ TEST_P(qvPathRevision, NoNameSectionIndexMeansNoStamp) {
   std::string theBytes = theImage.Add(kStampName, "1\nmain\n").Bytes();
   PutNumber(&theBytes, theImage.NamesIndexField(), 2, 0);
   ExpectNoStamp(theBytes, "index 0");
+  // Also when the header of that index leads to names.
+  const size_t theSize = theImage.SectionHeaderSize();
+  theBytes.replace(theImage.FileHeaderSize(), theSize, theBytes,
+                   theImage.FileHeaderSize() + theImage.NamesIndex() * theSize, theSize);
+  ExpectNoStamp(theBytes, "index 0 with names");
 }
 
 TEST_P(qvPathRevision, OffsetsAndSizesOutsideTheFileMeanNoStamp) {
