@@ -51,8 +51,21 @@ static int qvLog_S_CountAttempt() {
   return theNew;
 }
 
-// Run by one thread. The log lock is held meanwhile, so that other threads' framework operations wait until
-// the main logger and the loggers exist; their messages are dropped, the first time, and wait later.
+// Makes the main logger and the loggers, if there are none. The caller holds the log lock, so that other
+// threads' framework operations wait until they exist; their messages are dropped, the first time, and wait
+// later.
+static void qvLog_S_MakeLoggers() {
+  if (qvMainLogger::Current() != NULL) {
+    return;
+  }
+  qvMainLogger* theLogger = new qvMainLogger;
+  qvLog_S_SetMainLogger(theLogger);
+  theLogger->Setup();
+  CreateLoggers();
+  __atomic_store_n(&sfDoLog, 1, __ATOMIC_RELEASE);
+}
+
+// Run by one thread.
 static void qvLog_S_Initialise() {
   // First of all: the other threads stop spinning.
   __atomic_store_n(&sfInited, 1, __ATOMIC_RELEASE);
@@ -60,21 +73,22 @@ static void qvLog_S_Initialise() {
     __atomic_store_n(&sLogMutex, qvMutex_New(), __ATOMIC_RELEASE);
   }
   qvMutex_Lock(sLogMutex);
-  qvMainLogger* theLogger = new qvMainLogger;
-  qvLog_S_SetMainLogger(theLogger);
-  theLogger->Setup();
-  CreateLoggers();
-  __atomic_store_n(&sfDoLog, 1, __ATOMIC_RELEASE);
+  qvLog_S_MakeLoggers();
   qvMutex_Unlock(sLogMutex);
 }
 
-// Locks the log lock if there is a main logger behind it. There is none for a moment while a thread
-// initialises, and after qvLog_Term in a thread that was waiting for the lock.
+// Locks the log lock if there is a main logger behind it. There is none in a thread that was waiting for the
+// lock during qvLog_Term.
 static bool qvLog_S_TryLock() {
   if (qvLog_S_GetMutex() == NULL) {
     return false;
   }
   qvMutex_Lock(sLogMutex);
+  if (__atomic_load_n(&sfInited, __ATOMIC_ACQUIRE)) {
+    // The thread that initialises may still wait for the lock, and in vain as long as this one holds it from
+    // before: then this one does the work.
+    qvLog_S_MakeLoggers();
+  }
   if (qvMainLogger::Current() != NULL) {
     return true;
   }
@@ -269,8 +283,11 @@ void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
   qvLogger::UnlockFramework();
 }
 
-// Closes the outputs when the process ends or the library is unloaded.
+// Closes the outputs when the process ends or the library is unloaded. Nameless outside: a program that links
+// the library statically may have a Terminator too.
+namespace {
 struct Terminator {
   ~Terminator() { qvLog_Term(); }
 };
+}  // namespace
 static Terminator sTerminator;

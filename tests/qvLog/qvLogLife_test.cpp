@@ -8,23 +8,18 @@
 #include <thread>
 #include <vector>
 
+#include "qvLog/qvLoggerConfig_p.h"
 #include "qvLog/qvLogger_File.h"
 #include "qvLog/qvLogger_Func.h"
 #include "qvLog/qvMainLogger_p.h"
-#include "support/ChildProcess.h"
+#include "support/FreshProcess.h"
 #include "support/RecordingLogger.h"
+#include "support/ScratchFolder.h"
+#include "support/SleepingThread.h"
 
 namespace {
 
 void IgnoreMessage(void*, const qvLogData*, const char*, size_t) {}
-
-// Each test needs a process in which the framework was never used.
-#define IN_FRESH_PROCESS(aBody)                                                           \
-  do {                                                                                    \
-    ChildResult theResult = RunInChild([&] aBody);                                        \
-    EXPECT_EQ(0, theResult.mExitCode) << theResult.mStdout;                               \
-    EXPECT_EQ(std::string::npos, theResult.mStdout.find("Failure")) << theResult.mStdout; \
-  } while (0)
 
 bool IsInitialised() { return qvMainLogger::Current() != nullptr; }
 
@@ -36,6 +31,11 @@ TEST(qvLogLife, BeforeTheFirstUseTheGateIsWideOpenAndNothingExists) {
   EXPECT_EQ(nullptr, qvLogger::sHead);
   EXPECT_EQ(nullptr, qvFileLogger::sInstance);
   EXPECT_EQ(nullptr, qvFuncLogger::sInstance);
+  EXPECT_EQ(nullptr, _qvLog_gData.mFormatted);
+  EXPECT_EQ(0, _gfqvLog_gDataInitialized);
+  EXPECT_EQ(1, _gfDefaultIsToLog);
+  EXPECT_FALSE(_gfAutoPopulate);
+  EXPECT_EQ(0, _gfDateActivate);
 }
 
 TEST(qvLogLife, AMessageOfLevel65535NeverInitialises) {
@@ -64,7 +64,7 @@ TEST(qvLogLife, EachOfTheFirstCallsInitialises) {
     IN_FRESH_PROCESS({
       theCase.mCall();
       EXPECT_TRUE(IsInitialised());
-      EXPECT_EQ(1, _gfqvLog_gDataInitialized + (qvLogger::NeverLog() ? 1 : 0));
+      EXPECT_EQ(qvLogger::NeverLog() ? 0 : 1, _gfqvLog_gDataInitialized) << "the first logger sets it";
     });
   }
 }
@@ -163,6 +163,39 @@ TEST(qvLogLife, TermMayBeCalledAgainAndAgain) {
   });
 }
 
+TEST(qvLogLife, AThreadThatHeldTheLockDuringTermNeedNotWaitForAnotherToInitialise) {
+  IN_FRESH_PROCESS({
+    qvLogger::LockFramework();
+    qvLog_Term();
+    {
+      SleepingThread theOther([] { qvLog_ReloadConfig(); });  // has begun to initialise and needs the lock
+      EXPECT_FALSE(IsInitialised());
+      qvLog_ReloadConfig();
+      EXPECT_TRUE(IsInitialised());
+      EXPECT_NE(nullptr, qvFileLogger::sInstance);
+      qvLogger::UnlockFramework();
+    }
+    EXPECT_TRUE(IsInitialised());
+    EXPECT_NE(nullptr, qvFileLogger::sInstance);
+  });
+}
+
+TEST(qvLogLife, AThreadThatFindsTheFrameworkMadeAndEndedAgainMakesItAnew) {
+  IN_FRESH_PROCESS({
+    qvLogger::LockFramework();
+    qvLog_Term();
+    {
+      SleepingThread theOther([] { qvLog_ReloadConfig(); });
+      qvLog_ReloadConfig();
+      qvLog_Term();
+      EXPECT_FALSE(IsInitialised());
+      qvLogger::UnlockFramework();
+    }
+    EXPECT_TRUE(IsInitialised());
+    EXPECT_NE(nullptr, qvFileLogger::sInstance);
+  });
+}
+
 TEST(qvLogKept, TermInitialisesAFrameworkThatWasNeverUsed) {
   IN_FRESH_PROCESS({
     EXPECT_EQ(65535, _qvLog_Level);
@@ -179,17 +212,14 @@ TEST(qvLogKept, InitLeavesTheCallingThreadInsideTheLogLock) {
     EXPECT_TRUE(LogText(1, 0, "before"));
     qvLog_Init();
     EXPECT_FALSE(LogText(1, 0, "dropped as nested"));
-    std::atomic<bool> theDone{false};
-    std::thread theOther([&] {
-      EXPECT_TRUE(LogText(1, 0, "other thread"));
-      theDone = true;
-    });
-    EXPECT_FALSE(theDone);
-    qvLog_ReloadConfig();  // clears the mark, and gives back no more than it took
-    EXPECT_TRUE(LogText(1, 0, "after"));
-    EXPECT_FALSE(theDone) << "this thread still holds the lock";
-    qvLogger::UnlockFramework();
-    theOther.join();
+    {
+      SleepingThread theOther([] { EXPECT_TRUE(LogText(1, 0, "other thread")); });
+      EXPECT_THAT(theLogger.mMessages, testing::ElementsAre("before")) << "the other thread waits";
+      qvLog_ReloadConfig();  // clears the mark, and gives back no more than it took
+      EXPECT_TRUE(LogText(1, 0, "after"));
+      EXPECT_THAT(theLogger.mMessages, testing::ElementsAre("before", "after")) << "and goes on waiting";
+      qvLogger::UnlockFramework();
+    }
     EXPECT_THAT(theLogger.mMessages, testing::ElementsAre("before", "after", "other thread"));
   });
 }
@@ -232,3 +262,17 @@ TEST(qvLogLife, TheEndOfTheProcessRunsTheDestructorsOfTheLoggers) {
   });
   EXPECT_EQ("deleted\n", theResult.mStdout);
 }
+
+#if defined(QVLOG_TEST_LIBRARY)
+
+TEST(qvLogLife, UnloadingTheLibraryClosesTheOutputs) {
+  ScratchFolder theFolder;
+  std::string theProgram = CopyTestProgram("LogUnload", theFolder.Path(), "box");
+  WriteWholeFile(theFolder.File("qvLog.box.ini"), "[file]\nlevel=all\nfile=out.txt\n");
+  EXPECT_EQ(0, RunProgram(theProgram, {QVLOG_TEST_LIBRARY}).mExitCode);
+  // A line that is not complete stays in the stream's buffer until the stream is closed.
+  EXPECT_THAT(ReadWholeFile(theFolder.File("out.txt")),
+              testing::MatchesRegex("NAME: box \\(log started\\)\nE .*\\|DEFAULT    partial"));
+}
+
+#endif

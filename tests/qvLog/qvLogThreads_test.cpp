@@ -9,10 +9,11 @@
 #include <sstream>
 #include <thread>
 
-#include "qvLog/qvLogger_Func.h"
+#include "qvLog/qvLogger_File.h"
 #include "support/ChildProcess.h"
 #include "support/RecordingLogger.h"
 #include "support/ScratchFolder.h"
+#include "support/SleepingThread.h"
 
 namespace {
 
@@ -81,23 +82,15 @@ TEST(qvLogThreads, TheFrameworkMayEndAndStartAgainWhileThreadsLog) {
 }
 
 TEST(qvLogThreads, AThreadThatWaitedDuringTermLogsToTheFrameworkThatFollows) {
-  RecordingLogger theOuter(5);
   RecordingLogger* theDoomed = new RecordingLogger(5);
-  (void)theDoomed;
-  std::atomic<bool> theStarted{false};
-  qvLogger::RemoveLogger(&theOuter);
-  qvLogger::LockFramework();
   bool theTaken = true;
-  std::thread theThread([&] {
-    theStarted = true;
-    theTaken = LogText(1, 0, "x");
-  });
-  while (!theStarted) {
-    std::this_thread::yield();
+  qvLogger::LockFramework();
+  {
+    SleepingThread theOther([&] { theTaken = LogText(1, 0, "x"); });
+    EXPECT_EQ(0, theDoomed->mBegins) << "the message waits";
+    qvLog_Term();
+    qvLogger::UnlockFramework();
   }
-  qvLog_Term();
-  qvLogger::UnlockFramework();
-  theThread.join();
-  EXPECT_FALSE(theTaken) << "the loggers that took it are gone";
-  EXPECT_EQ(nullptr, qvFuncLogger::sInstance);
+  EXPECT_FALSE(theTaken) << "the logger that would have taken it is gone";
+  EXPECT_NE(nullptr, qvFileLogger::sInstance) << "the message has initialised";
 }

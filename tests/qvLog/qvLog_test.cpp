@@ -11,6 +11,7 @@
 
 #include "qvLog/qvMainLogger_p.h"
 #include "support/RecordingLogger.h"
+#include "support/SleepingThread.h"
 
 namespace {
 
@@ -198,10 +199,11 @@ TEST(qvLog, AMessageOfAnotherThreadWaitsForTheEndOfThisOne) {
   RecordingLogger theLogger(5);
   qvLogData* theData = qvLog_Begin(1, 0);
   qvLog_Append_F("%s", "first ");
-  std::thread theThread([] { EXPECT_TRUE(LogText(1, 0, "second")); });
-  qvLog_Append_F("%s", "message");
-  qvLog_End(theData);
-  theThread.join();
+  {
+    SleepingThread theThread([] { EXPECT_TRUE(LogText(1, 0, "second")); });
+    qvLog_Append_F("%s", "message");
+    qvLog_End(theData);
+  }
   EXPECT_THAT(theLogger.mMessages, ElementsAre("first message", "second"));
 }
 
