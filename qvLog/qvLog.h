@@ -35,8 +35,8 @@ typedef struct qvLogData {
 /* Receives a finished message: the cookie given at registration, the record, and aLength bytes of text. Only
  * aLength tells where the text ends: a zero byte may stand inside it, and the byte behind it may be anything.
  * aText may be null when aLength is 0. Both pointers are valid during the call only. The log lock is held: a
- * message logged from inside the callback is dropped. The callback must not call qvLog_Term or
- * qvLog_NeverLog. */
+ * message logged from inside the callback is dropped, unless the callback has called qvLog_ReloadConfig or
+ * qvLog_SetLogFunc before. The callback must not call qvLog_Term or qvLog_NeverLog. */
 typedef void (*qvLog_LogFunc)(void* aCookie, const qvLogData* aData, const char* aText, size_t aLength);
 
 /* The process-wide gate: a message enters the framework only if its level is below this value. The library
@@ -60,7 +60,9 @@ QVLOG_API void qvLog_End(qvLogData* aData);
 /* The append functions add text to the message that the calling thread began. Called without one they
  * misbehave; nothing checks it. */
 
-/* Formatted text. A text longer than the buffer ("max_len_logger" in the configuration) is cut. */
+/* Formatted text. A text longer than the buffer ("max_len_logger" in the configuration) is cut to it; its
+ * last byte is then a line end if the format ends with one, else a zero byte. Where the format fails or the
+ * text is empty, the format itself is written; an empty format writes nothing. */
 QVLOG_API void qvLog_Append_F(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 QVLOG_API void qvLog_Append_VF(const char* aFormat, va_list anArgs) QV_PRINTF_FORMAT(1, 0);
 /* Formatted text of several lines and any length: every line after the first gets a prefix of its own, and
@@ -68,7 +70,7 @@ QVLOG_API void qvLog_Append_VF(const char* aFormat, va_list anArgs) QV_PRINTF_FO
 QVLOG_API void qvLog_Append_FML(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 /* One line: the current indentation in tab characters, the formatted text, a line end. */
 QVLOG_API void qvLog_Append_FN(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
-/* A hex dump of aLength bytes, 16 a line under a header line. */
+/* A hex dump of aLength bytes, 16 a line under a header line. aBuffer may be null when aLength is 0. */
 QVLOG_API void qvLog_Append_B(const void* aBuffer, size_t aLength);
 /* At most aLength wide characters, and about 400 bytes; those below 32 or above 127 appear as \uXXXX. */
 QVLOG_API void qvLog_Append_U(const wchar_t* aUnicodeStr, size_t aLength);

@@ -31,7 +31,9 @@ class QVLOG_API qvLogger {
 
   // aName is also the logger's section in the configuration file; it must live as long as the logger. The
   // threshold is 0 until ChangeLevel. With aAddToList the logger enters the chain, which initialises the
-  // framework if need be; without it no lock is taken.
+  // framework if need be; without it no lock is taken, and no other thread may start or end the framework
+  // meanwhile. A derived logger that enters the chain while other threads log is made, and deleted, under the
+  // framework lock: they must not meet it half made.
   qvLogger(const char* aName, bool aAddToList);
   qvLogger(const qvLogger&) = delete;
   qvLogger& operator=(const qvLogger&) = delete;
@@ -51,7 +53,8 @@ class QVLOG_API qvLogger {
   virtual void Append_VFML(qvLogDataEx* aRecord, const char* aFormat, va_list anArgs) QV_PRINTF_FORMAT(3, 0);
   virtual void Append_B(qvLogDataEx* aRecord, const void* aBuffer, size_t aLength);
   virtual void Append_U(qvLogDataEx* aRecord, const wchar_t* aText, size_t aLength);
-  // The sink. The byte behind the text can be read too: it is inside the buffer that holds the text.
+  // The sink. The byte behind the text can be read too: it is inside the buffer that holds the text. The text
+  // may hold zero bytes.
   virtual void Append_S(qvLogDataEx* aRecord, const char* aBytes, size_t aLength);
 
   // The parts of a line prefix.
@@ -74,13 +77,14 @@ class QVLOG_API qvLogger {
   void GenerateBeginLine(qvLogDataEx* aRecord);
 
   // Changes of the chain; each takes the framework lock.
-  static void AddLogger(qvLogger* aLogger);     // at the head
+  static void AddLogger(qvLogger* aLogger);     // at the head; it must not be in the chain already
   static void RemoveLogger(qvLogger* aLogger);  // ignored when it is not in the chain
   static void DeleteAllLoggers();
 
   static uint32 CurrentProcessId();
   static uint32 CurrentThreadId();
   // The program's name, or the process id in hexadecimal digits; decided once. Static, at most 63 characters.
+  // The caller of the first call holds the framework lock.
   static const char* CurrentProcessName();
   // The thread id in eight hexadecimal digits, in a static buffer that every call fills anew. The caller
   // holds the framework lock.
