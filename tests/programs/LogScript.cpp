@@ -1,20 +1,27 @@
 // Logs what its arguments say, one operation after the other, so that a test can look at the outputs and the
 // configuration files of a process of its own. File names are relative to the program's folder.
 //
-//   log LEVEL MODULE TEXT    one message
-//   begin, append TEXT, end  a message of level 1 and module 0 in pieces
-//   will LEVEL MODULE        prints the answer
-//   gate                     prints the process-wide gate
-//   threshold NAME           prints a logger's threshold, "none" when it is not in the chain
-//   capacity                 prints the size of the formatting buffer
-//   reload, term, never      the framework operations
-//   func LEVEL               registers a callback that prints its text in brackets
-//   probe                    makes a logger "Probe" outside the chain; probe-without-config makes one with
-//   that option get-level DEFAULT        prints the probe's threshold; get-int KEY DEFAULT, get-text KEY
-//   DEFAULT likewise file-name                prints the name of the configuration file write FILE TEXT, cat
-//   FILE, make-folder FOLDER, remove FILE limit BYTES              how long a file may get; 0: as long as the
-//   system allows count-writes LEVEL MODULE TEXT   logs, and prints the number of write system calls that
-//   took clock SECONDS MICROSECONDS       stops the wall clock there
+// clang-format off
+//   log LEVEL MODULE TEXT           one message
+//   begin, append TEXT, end         a message of level 1 and module 0 in pieces
+//   will LEVEL MODULE               prints the answer
+//   gate                            prints the process-wide gate
+//   threshold NAME                  prints a logger's threshold, "none" when it is not in the chain
+//   capacity                        prints the size of the formatting buffer
+//   reload, term, never             the framework operations
+//   func LEVEL                      registers a callback that prints its text in brackets
+//   modules-off                     makes every module without a setting silent
+//   probe                           makes a logger "Probe" outside the chain
+//   probe-without-config            makes one with that option
+//   get-level DEFAULT               prints the probe's threshold
+//   get-int KEY DEFAULT             prints a setting of the probe; get-text KEY DEFAULT likewise
+//   file-name                       prints the name of the configuration file
+//   write FILE TEXT, cat FILE, make-folder FOLDER, remove FILE
+//   limit BYTES                     how long a file may get; 0: as long as the system allows
+//   count-writes LEVEL MODULE TEXT  logs, and prints the number of write system calls that took
+//   clock SECONDS MICROSECONDS      stops the wall clock there
+//   zone TZ                         changes the time zone
+// clang-format on
 
 #include <signal.h>
 #include <stdio.h>
@@ -30,6 +37,7 @@
 #include <string>
 
 #include "qvLog/qvLogger.h"
+#include "qvLog/qvLoggerConfig_p.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/qvMalloc.h"
@@ -200,6 +208,8 @@ static bool RunFrameworkOperation(const std::string& aName) {
     qvLog_NeverLog();
   } else if (aName == "func") {
     qvLog_SetLogFunc(static_cast<qvLogLevel>(NextNumber()), PrintText, NULL);
+  } else if (aName == "modules-off") {
+    _gfDefaultIsToLog = 0;
   } else if (aName == "clock") {
     sClock.tv_sec = atol(Next());
     sClock.tv_usec = atol(Next());

@@ -1,5 +1,6 @@
 #include "qvLog/qvLogLevels.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <type_traits>
@@ -24,6 +25,16 @@ TEST(qvLogLevels, TheConstantsHaveTheirPublishedValues) {
 }
 
 TEST(qvLogLevels, TheCompileTimeLevelOfAUnitThatDefinesNoneIsZero) { EXPECT_EQ(0, QVLOGLEVEL); }
+
+TEST(qvLogLevels, AtCompileTimeLevel0OnlyStatementsThatAlwaysLogAreCompiledIn) {
+  RecordingLogger theLogger(65535);
+  QVLOG_ERR(TUNER, F("QVLOG_ERR"));
+  QVXLOG(QVLOGLEVEL_ERROR, QVLOG_M_TUNER, F("QVXLOG"));
+  QVXLOG_ALWAYS(QVLOGLEVEL_DEBUG, QVLOG_M_TUNER, F("QVXLOG_ALWAYS"));
+  EXPECT_THAT(theLogger.mMessages, testing::ElementsAre("QVXLOG_ALWAYS"));
+  EXPECT_EQ(0, QVLOG_WILL_LOG(QVLOGLEVEL_ERROR, TUNER));
+  EXPECT_EQ(1, qvLog_WillLog(QVLOGLEVEL_ERROR, QVLOG_M_TUNER));
+}
 
 TEST(qvLogLevels, AllBecomes65535AsAThreshold) { EXPECT_EQ(65535, static_cast<qvLogLevel>(QVLOGLEVEL_ALL)); }
 

@@ -79,6 +79,13 @@ TEST(qvLogMacros, AtAllCompileTimeLevelsTheRunTimeThresholdDecides) {
       Output("LogAtAllLevels"));
 }
 
+#define EXPANDED(aMacro)  UNEXPANDED(aMacro)
+#define UNEXPANDED(aText) #aText
+
+TEST(qvLogMacros, AnInlineFunctionIsStaticInEveryUnit) {
+  EXPECT_STREQ("__inline static", EXPANDED(QVLOG_INLINE));
+}
+
 TEST(qvLogMacros, AStatementStoresItsFileAndLine) {
   RecordingLogger theLogger(5);
   QVXLOG_ALWAYS(QVLOGLEVEL_ERROR, QVLOG_M_TUNER, F("%s", "x"));

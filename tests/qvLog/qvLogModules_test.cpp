@@ -6,8 +6,19 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <type_traits>
 
 #include "qvLog/qvLogger.h"
+
+#define EXPANDED(aMacro)  UNEXPANDED(aMacro)
+#define UNEXPANDED(aText) #aText
+
+TEST(qvLogModules, TheTableBecomesAnEnumeration) {
+  EXPECT_STREQ("typedef enum {", EXPANDED(QVLOG_DECMOD_BEGIN));
+  EXPECT_STREQ("} __qvLogModules;", EXPANDED(QVLOG_DECMOD_END));
+  EXPECT_TRUE(std::is_enum<__qvLogModules>::value);
+  EXPECT_TRUE((std::is_same<__qvLogModules, decltype(QVLOG_M_DEFAULT)>::value));
+}
 
 namespace {
 

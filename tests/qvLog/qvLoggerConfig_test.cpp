@@ -221,6 +221,16 @@ TEST(qvLoggerConfig, TheBufferHas1024BytesAtLeastAnd100MebibytesAtMost) {
   EXPECT_EQ("104857600\n", Capacity("max_len_logger=104857601\n"));
 }
 
+TEST(qvLoggerConfig, TheOptionsAreReadOnceForEachLifeOfTheFramework) {
+  LogProgram theProgram;
+  theProgram.Configure("[options]\nmax_len_logger=2000\n");
+  EXPECT_EQ("2000\n2000\n3000\n",
+            theProgram
+                .Run({"reload", "capacity", "write", "qvLog.box.ini", "[options]\nmax_len_logger=3000\n",
+                      "reload", "capacity", "term", "reload", "capacity"})
+                .mStdout);
+}
+
 TEST(qvLoggerConfig, ALargerBufferTakesLongerMessages) {
   LogProgram theProgram;
   theProgram.Configure("[options]\nmax_len_logger=5000\n");
@@ -301,6 +311,16 @@ TEST(qvLoggerConfig, WithPopulateOffADefaultIsTheTables) {
   LogProgram theProgram;
   theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\n");
   EXPECT_EQ("0\n1\n", theProgram.Run({"will", "1", "4", "will", "1", "5"}).mStdout);
+}
+
+TEST(qvLoggerConfig, PopulatingMakesModulesLogByDefault) {
+  LogProgram theProgram;
+  std::vector<std::string> theOperations = {"modules-off", "will", "1", "0", "will", "1", "170"};
+  theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\n");
+  EXPECT_EQ("0\n0\n", theProgram.Run(theOperations).mStdout) << "without populating they stay silent";
+  theProgram.Configure("[options]\npopulate=1\n[file]\nlevel=all\n");
+  EXPECT_EQ("1\n1\n", theProgram.Run(theOperations).mStdout);
+  EXPECT_THAT(theProgram.Populated(), HasSubstr("log_default=1\n"));
 }
 
 TEST(qvLoggerConfig, ALoggerWithoutConfigurationTakesItsDefaultsAndWritesNothing) {

@@ -66,6 +66,21 @@ TEST(qvLoggerPrefix, ThePiecesReachTheSinkInOrder) {
   EXPECT_EQ("x", theLogger.mPieces[8]);
 }
 
+TEST(qvLoggerPrefix, ALoggerMayReplaceThePartsOfThePrefix) {
+  struct PartsLogger : RecordingLogger {
+    PartsLogger() : RecordingLogger(2, false) {}
+    void Append_LogTime(qvLogDataEx*) override { mPieces.push_back("time"); }
+    void Append_ThreadNameOrId(qvLogDataEx*) override { mPieces.push_back("thread"); }
+    void Append_ProcessNameOrId(qvLogDataEx*) override { mPieces.push_back("process"); }
+    void Append_LogModule(qvLogDataEx*) override { mPieces.push_back("module"); }
+  };
+  PartsLogger theLogger;
+  qvLogDataEx theRecord = {};
+  theRecord.mLevel = QVLOGLEVEL_WARNING;
+  theLogger.GenerateBeginLine(&theRecord);
+  EXPECT_THAT(theLogger.mPieces, testing::ElementsAre("W ", "time", "|", "thread", "|", "module", " "));
+}
+
 TEST(qvLoggerPrefix, TheThreadIsTheLoggingThread) {
   EXPECT_EQ(std::string(qvLogger::CurrentThreadName()), PrefixOf(1, 0).substr(15, 8));
 }

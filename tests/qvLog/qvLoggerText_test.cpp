@@ -94,6 +94,31 @@ TEST_F(qvLoggerText, BeforeTheBufferIsInitialisedNothingIsWritten) {
   End();
 }
 
+namespace {
+
+// Notes the formats that reach its Append_VF.
+class FormatNotingLogger : public qvLogger {
+ public:
+  FormatNotingLogger() : qvLogger("Formats", false) {}
+  void Append_VF(qvLogDataEx*, const char* aFormat, va_list) override { mFormats.push_back(aFormat); }
+  std::vector<std::string> mFormats;
+};
+
+}  // namespace
+
+TEST(qvLoggerParts, EveryFormattedPartGoesThroughTheLoggersOwnAppendVF) {
+  FormatNotingLogger theLogger;
+  qvLogDataEx theRecord = {};
+  theRecord.mModule = 170;
+  theLogger.Append_F(&theRecord, "%d", 1);
+  theLogger.Append_ThreadNameOrId(&theRecord);
+  theLogger.Append_ProcessNameOrId(&theRecord);
+  theLogger.Append_LogModule(&theRecord);
+  theLogger.Append_B(&theRecord, "17 bytes of text.", 17);
+  EXPECT_THAT(theLogger.mFormats,
+              ElementsAre("%d", "%s", "%s", "%010u", "Buffer pointer=%p length=%d\n", "%s\n", "%s\n"));
+}
+
 TEST_F(qvLoggerText, TheArgumentsCanBeUsedByEveryLogger) {
   RecordingLogger theSecond(2);
   RecordingLogger theThird(2);
@@ -202,6 +227,23 @@ TEST_F(qvLoggerKept, AFailedFormatLongerThanTheBufferIsCutBeforeTheTerminator) {
   Begin();
   qvLog_Append_F(theFormat.c_str(), 1);
   EXPECT_EQ("%!" + Repeat('b', 1021), End()) << "the 1024th does not, not even as a line end";
+}
+
+TEST_F(qvLoggerKept, OfABufferOfOneByteTheTerminatorIsHandedOnWhateverTheFormatEndsWith) {
+  struct {
+    int32 mCapacity;
+    std::string mExpected;
+  } kCases[] = {{1, std::string(1, '\0')}, {2, "x\n"}, {3, "x\n"}, {4, "x\n"}};
+  Begin();
+  int32 theCapacity = Record()->mSizeofFormatted;
+  for (const auto& theCase : kCases) {
+    Record()->mSizeofFormatted = theCase.mCapacity;
+    mLogger.mPieces.clear();
+    qvLog_Append_F("%s\n", "x");
+    EXPECT_THAT(mLogger.mPieces, ElementsAre(theCase.mExpected)) << theCase.mCapacity;
+  }
+  Record()->mSizeofFormatted = theCapacity;
+  End();
 }
 
 TEST_F(qvLoggerText, MultiLineTextGetsAPrefixBeforeEveryFurtherLine) {
