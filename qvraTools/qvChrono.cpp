@@ -26,11 +26,12 @@ qvChrono* qvChrono_New(void) {
 void qvChrono_Delete(qvChrono* aChrono) { qvFree(aChrono); }
 
 void qvChrono_Start(qvChrono* aChrono, const qvULongLong* anOffset) {
-  // The offset may be the watch's own mPauseTime, which stays as it is.
-  qvChrono_S_GetTimeMS(&aChrono->mStartTime);
+  qvULongLong theStartTime;  // apart, because the offset may be a field of the watch
+  qvChrono_S_GetTimeMS(&theStartTime);
   if (anOffset != nullptr) {
-    qvULongLong_Sub(&aChrono->mStartTime, anOffset);
+    qvULongLong_Sub(&theStartTime, anOffset);
   }
+  aChrono->mStartTime = theStartTime;
   aChrono->mfPaused = 0;
 }
 

@@ -47,7 +47,7 @@ QVLOG_API qvtm* qvTime_gmtime(const int* aTime, qvtm* aResult);
 QVLOG_API int qvTime_mktime(qvtm* aTime);
 
 /* The time now as RFC 1123 has it, such as "Sun, 06 Nov 1994 08:49:37 GMT". The caller frees it with qvFree.
- */
+ * Not reentrant, as qvTime_gmtime. */
 QVLOG_API char* qvTime_GetRFC1123Date(void);
 
 /* Reads a date such as "Sun, 06 Nov 1994 08:49:37 GMT". Parts may be missing; they stay 0. Words that are not
@@ -56,7 +56,8 @@ QVLOG_API char* qvTime_GetRFC1123Date(void);
  * The result is what the text says: the time zone at its end is recognised but not applied.
  *
  * Returns 0; -1 for a null aStr (*aResult is unchanged); -2 for a word of more than 8 characters, such as
- * "Wednesday" (*aResult holds what stood before it); -3 when nothing was recognised. */
+ * "Wednesday" (*aResult holds what stood before it); -3 when nothing was recognised. Any thread may call it.
+ */
 QVLOG_API int qvTime_ParseRFC1123Date(const char* aStr, qvtm* aResult);
 
 /* ---- Time values on the monotonic clock ----

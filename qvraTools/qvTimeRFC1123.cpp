@@ -11,17 +11,20 @@
 #define kqvTime_MaxTokenLength 8    /* characters; a longer word fails the whole date */
 #define kqvTime_FirstYear      1901 /* smaller numbers are no years */
 #define kqvTime_YearBase       1900
+#define kqvTime_WeekDays       7
+#define kqvTime_Months         12
 #define kqvTime_ZoneNames      10
 #define kqvTime_ZoneLength     5 /* characters of "+0130" */
 
-#define kqvTimeError_NullText -1
-#define kqvTimeError_LongWord -2
-#define kqvTimeError_NoDate   -3
+#define kqvTimeError_NullText (-1)
+#define kqvTimeError_LongWord (-2)
+#define kqvTimeError_NoDate   (-3)
 
-const char* const kqvTime_WeekDayNames[kqvTime_WeekDays] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+static const char* const kqvTime_WeekDayNames[kqvTime_WeekDays] = {"Sun", "Mon", "Tue", "Wed",
+                                                                   "Thu", "Fri", "Sat"};
 
-const char* const kqvTime_MonthNames[kqvTime_Months] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+static const char* const kqvTime_MonthNames[kqvTime_Months] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 static const char* const kqvTime_ZoneNameTable[kqvTime_ZoneNames] = {"UT",  "GMT", "EST", "EDT", "CST",
                                                                      "CDT", "MST", "MDT", "PST", "PDT"};
@@ -38,7 +41,7 @@ struct qvTime_Token {
 
 struct qvTime_Date {
   qvtm* mFields;
-  int mZoneMinutes;  // east of UTC
+  int* mZoneMinutes;  // east of UTC
 };
 
 // Each reader below stores its field and returns 1 when the token is one, or returns 0.
@@ -124,12 +127,12 @@ static int qvTime_S_ReadSecond(const qvTime_Token& aToken, qvTime_Date* aDate) {
   return qvTime_S_ReadSixtieth(aToken, &aDate->mFields->tm_sec);
 }
 
-// KEEP qvTimeKept.TheZoneOfADateIsReadButNotApplied
-// The offset goes nowhere, and the minutes of a numeric zone are dropped: callers get the fields as written.
+// KEEP qvTimeKept.TheMinutesOfANumericZoneAreDropped
+// "+0130" is one hour.
 static int qvTime_S_ReadZone(const qvTime_Token& aToken, qvTime_Date* aDate) {
   const int theIndex = qvTime_S_FindName(aToken, kqvTime_ZoneNameTable, kqvTime_ZoneNames);
   if (theIndex >= 0) {
-    aDate->mZoneMinutes = kqvTime_ZoneHours[theIndex] * 60;
+    *aDate->mZoneMinutes = kqvTime_ZoneHours[theIndex] * 60;
     return 1;
   }
   const char* theText = aToken.mText;
@@ -138,7 +141,7 @@ static int qvTime_S_ReadZone(const qvTime_Token& aToken, qvTime_Date* aDate) {
     return 0;
   }
   const int theHours = (theText[1] - '0') * 10 + (theText[2] - '0');
-  aDate->mZoneMinutes = (theText[0] == '-' ? -theHours : theHours) * 60;
+  *aDate->mZoneMinutes = (theText[0] == '-' ? -theHours : theHours) * 60;
   return 1;
 }
 
@@ -171,12 +174,13 @@ static qvTime_Token qvTime_S_MakeToken(const char* aText, uint32 aLength) {
   return theToken;
 }
 
-int qvTime_ParseRFC1123Date(const char* aStr, qvtm* aResult) {
+int qvTime_S_ParseRFC1123Date(const char* aStr, qvtm* aResult, int* aZoneMinutes) {
+  *aZoneMinutes = 0;
   if (aStr == nullptr) {
     return kqvTimeError_NullText;
   }
   *aResult = qvtm();
-  qvTime_Date theDate = {aResult, 0};
+  qvTime_Date theDate = {aResult, aZoneMinutes};
   size_t theStage = 0;
   const char* theStr = aStr + strspn(aStr, kqvTime_Separators);
   while (*theStr != '\0') {
@@ -189,6 +193,13 @@ int qvTime_ParseRFC1123Date(const char* aStr, qvtm* aResult) {
     theStr += strspn(theStr, kqvTime_Separators);
   }
   return theStage == 0 ? kqvTimeError_NoDate : 0;
+}
+
+// KEEP qvTimeKept.TheZoneOfADateIsReadButNotApplied
+// The offset goes nowhere: callers get the fields as written.
+int qvTime_ParseRFC1123Date(const char* aStr, qvtm* aResult) {
+  int theZoneMinutes = 0;
+  return qvTime_S_ParseRFC1123Date(aStr, aResult, &theZoneMinutes);
 }
 
 char* qvTime_S_NewRFC1123Date(const qvtm* aTime) {

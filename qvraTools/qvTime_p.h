@@ -10,9 +10,7 @@ void qvTimeVal_S_GetMilliSeconds(const qvtimeval* aTime, qvULongLong* aResult);
 // aTime, which is UTC, as RFC 1123 has it. The caller frees the text with qvFree.
 char* qvTime_S_NewRFC1123Date(const qvtm* aTime);
 
-#define kqvTime_WeekDays 7
-#define kqvTime_Months   12
-extern const char* const kqvTime_WeekDayNames[kqvTime_WeekDays];
-extern const char* const kqvTime_MonthNames[kqvTime_Months];
+// qvTime_ParseRFC1123Date, with the offset of the date's zone in minutes east of UTC; 0 when it has none.
+int qvTime_S_ParseRFC1123Date(const char* aStr, qvtm* aResult, int* aZoneMinutes);
 
 #endif

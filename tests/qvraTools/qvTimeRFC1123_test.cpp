@@ -37,6 +37,13 @@ int ResultOf(const std::string& aText) {
   return qvTime_ParseRFC1123Date(aText.c_str(), &theTime);
 }
 
+int ZoneMinutesOf(const char* aText) {
+  qvtm theTime;
+  int theMinutes = 9999;
+  qvTime_S_ParseRFC1123Date(aText, &theTime, &theMinutes);
+  return theMinutes;
+}
+
 std::string DateOf(int aTime) {
   qvtm theTime;
   qvTime_gmtime(&aTime, &theTime);
@@ -201,6 +208,21 @@ TEST(qvTimeRFC1123, EveryZoneIsKnownAndEndsTheDate) {
   }
 }
 
+TEST(qvTimeRFC1123, EveryZoneHasItsOffset) {
+  const struct {
+    const char* mZone;
+    int mMinutes;
+  } kCases[] = {
+      {"UT", 0},      {"GMT", 0},      {"EST", -300}, {"EDT", -240},   {"CST", -360}, {"CDT", -300},
+      {"MST", -420},  {"MDT", -360},   {"PST", -480}, {"PDT", -420},   {"+0100", 60}, {"-0100", -60},
+      {"+1200", 720}, {"-1200", -720}, {"+0000", 0},  {"+9900", 5940}, {"CET", 0},    {"", 0},
+  };
+  for (const auto& theCase : kCases) {
+    EXPECT_EQ(theCase.mMinutes, ZoneMinutesOf(theCase.mZone)) << theCase.mZone;
+  }
+  EXPECT_EQ(0, ZoneMinutesOf(nullptr));
+}
+
 TEST(qvTimeRFC1123, OtherWordsAreNoZones) {
   const char* const kWords[] = {"UTC",    "Z",     "CET",   "+010",  "+01000",
                                 "01000-", "+01a0", "0100+", "+-100", "G"};
@@ -239,6 +261,12 @@ TEST(qvTimeKept, TheZoneOfADateIsReadButNotApplied) {
   Expect({"Sun, 06 Nov 1994 08:49:37 PST", 0, 0, 6, 10, 94, 8, 49, 37, "eight hours, not applied"});
   Expect({"Sun, 06 Nov 1994 08:49:37 +0130", 0, 0, 6, 10, 94, 8, 49, 37, "an hour and a half, not applied"});
   Expect({"Sun, 06 Nov 1994 23:49:37 -1200", 0, 0, 6, 10, 94, 23, 49, 37, "the day does not change"});
-  Expect(
-      {"Sun, 06 Nov 1994 08:49:37 +0199", 0, 0, 6, 10, 94, 8, 49, 37, "the minutes are not even looked at"});
+}
+
+TEST(qvTimeKept, TheMinutesOfANumericZoneAreDropped) {
+  EXPECT_EQ(60, ZoneMinutesOf("Sun, 06 Nov 1994 08:49:37 +0100")) << "its neighbour";
+  EXPECT_EQ(60, ZoneMinutesOf("Sun, 06 Nov 1994 08:49:37 +0130")) << "the kept one";
+  EXPECT_EQ(-60, ZoneMinutesOf("Sun, 06 Nov 1994 08:49:37 -0130")) << "with the other sign";
+  EXPECT_EQ(60, ZoneMinutesOf("Sun, 06 Nov 1994 08:49:37 +0199")) << "they need not even be minutes";
+  EXPECT_EQ(120, ZoneMinutesOf("Sun, 06 Nov 1994 08:49:37 +0200")) << "the hours count";
 }
