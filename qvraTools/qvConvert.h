@@ -5,10 +5,10 @@
  *
  * The parsers
  * -----------
- * take a terminated text, or (those named "strn") a text and its length in bytes, and write the number to a
- * destination that must not be null. The destination is always written: with the number, with the nearest
- * value of its range when the number does not fit, or with 0 when there is no number. They return one of
- * these codes; a null text is kqvConvertError_Invalid.
+ * take a terminated text, or (those named "strn") a text and its length in bytes, in which a zero ends the
+ * number too, and write the number to a destination that must not be null. The destination is always written:
+ * with the number, with the nearest value of its range when the number does not fit, or with 0 when there is
+ * no number. They return one of these codes; a null text is kqvConvertError_Invalid.
  *
  *   kqvConvertError_None       the whole text is the number
  *   any n above 0              a number was read and stored; other text begins n bytes after the start.
@@ -40,8 +40,8 @@ QV_BEGIN_DECLS
  *
  * The largest negative number before the minimum reads as the minimum, without an error: "-2147483647" gives
  * -2147483648 as int32, and the 64-bit forms do the same at their end of the range. A number that does not
- * even fit 64 bits is kqvConvertError_RangeHigh with either sign; the value stored is the bound of its sign.
- */
+ * even fit 64 bits is kqvConvertError_RangeHigh with either sign; the value stored is the bound of its sign,
+ * but as int8 and int16 the maximum, which goes with that code. */
 QVLOG_API int qvConvert_strtoint8(const char* aStr, int8* anInt8);
 QVLOG_API int qvConvert_strtoint16(const char* aStr, int16* anInt16);
 QVLOG_API int qvConvert_strtoint32(const char* aStr, int32* anInt32);
@@ -82,8 +82,8 @@ QVLOG_API int qvConvert_strntoULongLong(const char* aStr, size_t aStrLength, qvU
 /* ---- Pointers ----
  *
  * An address below 2^32, on every platform: hexadecimal behind "0x", otherwise decimal. "0x" alone is null
- * without an error. The position of other text counts from the first digit that was read: white space, sign
- * and "0x" are not in it. */
+ * without an error. The position of other text counts from behind the white space, one '+' and the "0x" that
+ * were skipped. */
 QVLOG_API int qvConvert_strtoptr(const char* aStr, void** aPtr);
 
 /* ---- Floating point ----
@@ -155,9 +155,8 @@ QVLOG_API int qvConvert_dlnadatestrtodate(const char* aStr, int32* aDate);
 QVLOG_API int qvConvert_dlnatimestrtouint32(const char* aStr, uint32* aSecond, uint32* aMilliSecond);
 
 /* [H]:MM:SS[.fraction]: a fraction without '/' is an integer of milliseconds, divided by 10 while it is above
- * 1000
- * (".5" is 5 ms, ".2500" is 250 ms); with '/' it is a part of a second (".1/2" is 500 ms). The flags: the
- * hours may not be empty; minutes and seconds need two digits; '/' is allowed. Both outputs are 0 after a
+ * 1000 (".5" is 5 ms, ".2500" is 250 ms); with '/' it is a part of a second (".1/2" is 500 ms). The flags:
+ * the hours may not be empty; minutes and seconds need two digits; '/' is allowed. Both outputs are 0 after a
  * failure. */
 QVLOG_API int qvConvert_dlnadurationstrtouint32_ex(const char* aStr, uint32* aSecond, uint32* aMilliSecond,
                                                    int afRequireHourDigit, int afRequire2DigitMinSec,

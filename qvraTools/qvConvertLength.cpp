@@ -1,5 +1,6 @@
 // The parsers that take a text and its length: each parses a terminated copy.
 
+#include <stdint.h>
 #include <string.h>
 
 #include "qvraTools/qvConvert.h"
@@ -12,7 +13,8 @@ static int qvConvert_S_ParseCopy(const char* aStr, size_t aStrLength, Number* aN
     *aNumber = Number();
     return kqvConvertError_Invalid;
   }
-  char* theCopy = static_cast<char*>(qvMalloc(aStrLength + 1));
+  // No machine has memory for a length that has no successor; one more byte must not come to none.
+  char* theCopy = static_cast<char*>(qvMalloc(aStrLength < SIZE_MAX ? aStrLength + 1 : SIZE_MAX));
   memcpy(theCopy, aStr, aStrLength);
   theCopy[aStrLength] = '\0';
   const int theResult = aParser(theCopy, aNumber);

@@ -1,10 +1,10 @@
 /* qvLongLong.h - 64-bit integers kept as two 32-bit words.
  *
  * qvLongLong is signed (two's complement), qvULongLong unsigned. The value is mHigh * 2^32 + mLow. Every
- * operation changes its first argument in place; the second may be the same object. No argument may be null.
- * An int result is 1 when the operation overflowed and 0 otherwise; the wrapped value is stored then. Nothing
- * is trapped, with one exception: dividing by zero raises the fault that dividing native integers by zero
- * raises on the platform.
+ * operation changes its first argument in place; the second may be the same object. No argument but a text
+ * may be null. An int result is 1 when the operation overflowed and 0 otherwise; the wrapped value is stored
+ * then. Nothing is trapped, with one exception: dividing by zero raises the fault that dividing native
+ * integers by zero raises on the platform.
  *
  * An object has no lock: it belongs to one thread at a time. */
 #ifndef QVRATOOLS_QVLONGLONG_H

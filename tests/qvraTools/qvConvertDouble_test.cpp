@@ -211,6 +211,9 @@ TEST(qvConvertKept, ANegativeDoubleTooLargeIsMinusInfinityWithoutError) {
   Expect(LowLevelCase{"-1e309", -HUGE_VAL, 1, 6, "the kept one"});
   Expect(LowLevelCase{"-1e1024", -HUGE_VAL, 1, 7, "up to the largest exponent"});
   Expect(LowLevelCase{"-1e1025", 0.0, kHigh, 0, "beyond which it is an error"});
+  const std::string theNines = "-" + std::string(400, '9');
+  Expect(LowLevelCase{theNines.c_str(), -HUGE_VAL, 1, 401, "by its digits alone"});
+  Expect(LowLevelCase{(theNines + "e-600").c_str(), -HUGE_VAL, 1, 406, "whatever the exponent"});
   Expect(LowLevelCase{"1e309", 0.0, kHigh, 0, "the positive one is an error"});
   Expect(SimpleCase{"-1e309", -HUGE_VAL, kNone, "the simple form stores it"});
 }

@@ -1,12 +1,16 @@
 // The parsers that take a text and its length.
 
 #include <gtest/gtest.h>
-#include <string.h>
+#include <signal.h>
+#include <stdint.h>
 
 #include <string>
 #include <vector>
 
 #include "qvraTools/qvConvert.h"
+#include "support/ChildProcess.h"
+#include "support/FatalLine.h"
+#include "support/HeapUse.h"
 
 namespace {
 
@@ -109,6 +113,31 @@ TEST(qvConvertLength, ALengthCanCutThePrefixOff) {
   EXPECT_EQ(0u, theValue);
   EXPECT_EQ(kqvConvertError_None, qvConvert_hexstrntouint32("0x1f", 3, &theValue));
   EXPECT_EQ(1u, theValue);
+}
+
+TEST(qvConvertLength, TheHexadecimalFormStopsAtTheEndOfAText) {
+  uint32 theValue = 99;
+  EXPECT_EQ(kqvConvertError_None, qvConvert_hexstrntouint32("1f", SIZE_MAX, &theValue));
+  EXPECT_EQ(31u, theValue);
+}
+
+TEST(qvConvertLength, ALengthThatNoMachineHasEndsTheProcess) {
+  const ChildResult theResult = RunInChild([] {
+    uint32 theValue = 0;
+    qvConvert_strntouint32("12", SIZE_MAX, &theValue);
+  });
+  const char* theExpected = sizeof(size_t) == 8 ? "qvFatalError: memory:malloc, size=18446744073709551615"
+                                                : "qvFatalError: memory:malloc, size=4294967295";
+  EXPECT_EQ(SIGABRT, theResult.mSignal);
+  EXPECT_EQ(theExpected, FatalLine(theResult.mStderr));
+}
+
+TEST(qvConvertLength, TheCopyIsGivenBack) {
+  ExpectNoHeapGrowth([] {
+    uint32 theValue = 0;
+    qvConvert_strntouint32("12", 2, &theValue);
+    qvConvert_hexstrntouint32("12", 2, &theValue);
+  });
 }
 
 TEST(qvConvertLength, AVeryLongTextIsRead) {

@@ -411,6 +411,10 @@ TEST(qvConvert, PointersAreHexadecimalBehind0xAndDecimalOtherwise) {
       {"0x100000000", 0xFFFFFFFF, kHigh, "32 bits on every platform"},
       {"4294967296", 0xFFFFFFFF, kHigh, "32 bits on every platform"},
       {"0x0x10", 0x10, kNone, "base 16 skips a prefix of its own"},
+      {"++5", 5, kNone, "the number behind what was skipped may have a plus"},
+      {"+ 5", 5, kNone, "and white space"},
+      {"+++5", 0, kInvalid, "but no two of them"},
+      {"0x+5", 0, 1, "a plus is no hexadecimal digit"},
       {"(nil)", 0, kInvalid, "how a null pointer prints"},
   };
   for (const PointerCase& theCase : kCases) {
@@ -457,4 +461,5 @@ TEST(qvConvertKept, ThePositionBehindAPointerCountsFromItsDigits) {
   ExpectPointer({"+12x", 12, 2, "the sign does not count"});
   ExpectPointer({" +0x12z", 0x12, 2, "nor does the prefix"});
   ExpectPointer({"  0xg", 0, 1, "without a prefix the 0 is a digit"});
+  ExpectPointer({" ++5x", 5, 2, "a second plus counts, it was not skipped but read"});
 }

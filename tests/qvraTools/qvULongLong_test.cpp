@@ -356,6 +356,7 @@ TEST(qvULongLong, SetFromNStringReadsTheFirstBytes) {
       {"12x", 2, 12, 1, "what lies behind does not count"},
       {"12x", 3, 0, 0, "what lies inside does"},
       {"12\0x", 4, 12, 1, "a zero ends the text"},
+      {"12", SIZE_MAX, 12, 1, "the length may be more than the text has"},
       {"12", 0, 0, 0, "no length"},
       {nullptr, 0, 0, 0, "no text"},
       {nullptr, 5, 0, 0, "no text"},
