@@ -91,6 +91,16 @@ TEST(qvChrono, StartCountsFromAnOffset) {
   EXPECT_GE(10000000000u + (NowMs() - theBefore), theTime);
 }
 
+TEST(qvChrono, TheOffsetMayBeAFieldOfTheWatch) {
+  qvChrono theChrono;
+  qvChrono_S_Init(&theChrono);
+  theChrono.mStartTime = ULongLong(5000);
+  const uint64 theBefore = NowMs();
+  qvChrono_Start(&theChrono, &theChrono.mStartTime);
+  EXPECT_LE(theBefore - 5000, Native(theChrono.mStartTime));
+  EXPECT_GE(NowMs() - 5000, Native(theChrono.mStartTime));
+}
+
 TEST(qvChrono, StartInSecondsShowsThemAtOnce) {
   qvChrono theChrono;
   qvChrono_S_Init(&theChrono);

@@ -97,6 +97,8 @@ TEST(qvConvertClasses, RunsAreOfOneClassWhenAllCharactersAre) {
       {"abc1", 4, 0, 0, "the last character counts"},
       {"abc1", 3, 1, 0, "what lies behind the length does not"},
       {"1abc", 4, 0, 0, "the first character counts"},
+      {"a123", 4, 0, 0, "for digits too"},
+      {"123a", 4, 0, 0, "and the last"},
       {"12 ", 3, 0, 0, "a blank is neither"},
       {"12\0"
        "34",

@@ -183,6 +183,11 @@ TEST(qvConvertDouble, TheEndsOfTheRangeAreReached) {
   EXPECT_EQ(0.0, Parse("1e-600")) << "smaller than what the powers of ten can express";
 }
 
+TEST(qvConvertDouble, TheLargestDoubleIsInRangeAndItsNeighbourIsNot) {
+  Expect(LowLevelCase{"17976931348623149e292", DBL_MAX, 1, 21, "the largest"});
+  Expect(LowLevelCase{"17976931348623150e292", 0.0, kHigh, 0, "the first that is rounded to infinity"});
+}
+
 TEST(qvConvertDouble, ZeroIsZeroUnderEveryPower) {
   EXPECT_EQ(0.0, Parse("0e600"));
   EXPECT_EQ(0.0, Parse("0.000e1000"));

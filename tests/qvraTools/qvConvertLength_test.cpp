@@ -50,6 +50,12 @@ TEST(qvConvertLength, OnlyTheGivenLengthIsRead) {
   EXPECT_EQ(-12, theInt8);
 }
 
+TEST(qvConvertLength, OneByteIsEnough) {
+  Expect<int8>(qvConvert_strntoint8, "7", 7, kqvConvertError_None);
+  Expect<uint32>(qvConvert_hexstrntouint32, "f", 15, kqvConvertError_None);
+  Expect<uint32>(qvConvert_strntouint32, "x", 0, kInvalid);
+}
+
 TEST(qvConvertLength, NoTextIsInvalidAndGivesZero) {
   ExpectNothing(qvConvert_strntoint8);
   ExpectNothing(qvConvert_strntoint16);

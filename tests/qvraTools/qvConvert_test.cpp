@@ -271,6 +271,8 @@ TEST(qvConvert, Base16SkipsThePrefix) {
       {"0x1F", 16, 31, kNone, "with 0x"},
       {"1f", 16, 31, kNone, "without"},
       {"+0x1f", 16, 31, kNone, "behind a sign"},
+      {"0f", 16, 15, kNone, "a zero without an x is a digit, and the base stays"},
+      {"0", 16, 0, kNone, "zero"},
       {"0x", 16, 0, 1, "0x alone is 0 and an x"},
       {"0xy", 16, 0, 1, "so is 0x before anything else"},
       {"0x0x1", 16, 0, 3, "one prefix only"},

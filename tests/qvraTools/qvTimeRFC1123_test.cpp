@@ -224,8 +224,8 @@ TEST(qvTimeRFC1123, EveryZoneHasItsOffset) {
 }
 
 TEST(qvTimeRFC1123, OtherWordsAreNoZones) {
-  const char* const kWords[] = {"UTC",    "Z",     "CET",   "+010",  "+01000",
-                                "01000-", "+01a0", "0100+", "+-100", "G"};
+  const char* const kWords[] = {"UTC",   "Z",     "CET",   "+010",  "+01000", "01000-",
+                                "+01a0", "+010a", "+a100", "0100+", "+-100",  "G"};
   for (const char* theWord : kWords) {
     EXPECT_EQ(-3, ResultOf(theWord)) << theWord;
   }

@@ -90,6 +90,7 @@ TEST(qvTimeVal, ADifferenceOfMicrosecondsBeyondASecondIsCarried) {
       {{1, 1000000}, {1, 0}, {0, 1000000}, 0, "but not from exactly a second"},
       {{1, 0}, {1, 1000000}, {0, -1000000}, 1, "nor the other way round"},
       {{2, 0}, {1, 1000000}, {-1, 1000000}, 0, "nor behind a borrow"},
+      {{3, 500000}, {1, 1500000}, {0, 1000000}, 0, "of as few seconds as will do"},
       {{9, 0}, {1, 3500000}, {4, 500000}, 0, "several seconds are borrowed"},
       {{1, 0}, {9, 3500000}, {-11, 500000}, 1, "negative"},
   };
