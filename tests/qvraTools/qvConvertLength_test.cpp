@@ -12,6 +12,10 @@
 #include "support/FatalLine.h"
 #include "support/HeapUse.h"
 
+// The sanitizers' allocators end the process themselves unless they are told to return null.
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+
 namespace {
 
 constexpr int kInvalid = kqvConvertError_Invalid;
