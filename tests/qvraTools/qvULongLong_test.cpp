@@ -353,6 +353,7 @@ TEST(qvULongLong, SetFromNStringReadsTheFirstBytes) {
     const char* mWhy;
   } kCases[] = {
       {"123456", 3, 123, 1, "three digits"},
+      {"7", 1, 7, 1, "one digit"},
       {"12x", 2, 12, 1, "what lies behind does not count"},
       {"12x", 3, 0, 0, "what lies inside does"},
       {"12\0x", 4, 12, 1, "a zero ends the text"},
