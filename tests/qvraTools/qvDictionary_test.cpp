@@ -311,6 +311,7 @@ TEST(qvDictionaryKept, TheEmptyKeyRaisesTheCountButIsNeverFound) {
   EXPECT_EQ("(absent)", theDictionary.Read(""));
   EXPECT_STREQ("", qvDictionary_GetKeyAtIndex(theDictionary.Get(), 1));
   EXPECT_STREQ("lost", qvDictionary_GetValueAtIndex(theDictionary.Get(), 1));
+  EXPECT_EQ(0u, theDictionary->mEntries[1].mHash);
   // The slot reads as free, so the next key takes it.
   theDictionary.Write("b", "2");
   EXPECT_EQ(3u, qvDictionary_GetEntryCount(theDictionary.Get()));
