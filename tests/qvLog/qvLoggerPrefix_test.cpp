@@ -202,6 +202,18 @@ TEST(qvLoggerPrefix, AChangeOfTheTimeZoneShowsInTheSameSecond) {
                     "x\n",   "zone",       "",  "log", "1",    "0",     "x\n"}));
 }
 
+TEST(qvLoggerPrefix, DatesThatAreSwitchedOnShowInTheSameSecond) {
+  LogProgram theProgram;
+  theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\n");
+  std::string theText =
+      theProgram
+          .Run({"clock", "1709647387", "0", "log", "1", "0", "x\n", "write", "qvLog.box.ini",
+                "[options]\npopulate=0\ndate=on\n[file]\nlevel=all\n", "term", "log", "1", "0", "x\n"})
+          .mStderr;
+  EXPECT_THAT(theText, testing::HasSubstr("\nE 14:03:07:000|"));
+  EXPECT_THAT(theText, testing::HasSubstr("\nE 03/05/2024 14:03:07:000|"));
+}
+
 TEST(qvLoggerPrefix, ATimeZoneWithALongNameIsFollowedToo) {
   std::string theName(80, 'A');
   EXPECT_EQ(std::vector<std::string>({"15:03:07:000", "16:03:07:000"}),

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "qvLog/qvMainLogger_p.h"
 #include "support/RecordingLogger.h"
@@ -163,6 +164,39 @@ TEST_F(qvLoggerText, ALoggerThatFormatsInItsSinkDoesNotSpoilTheTextOfTheNext) {
   qvLog_Append_F("%s", "text");
   EXPECT_EQ("text", End());
   EXPECT_EQ("text(more)", theSecond.mMessages.back());
+}
+
+TEST_F(qvLoggerText, ALoggerThatPutsATextOfItsOwnIntoTheBufferDoesNotSpoilTheTextOfTheNext) {
+  RecordingLogger theSecond(2);
+  Begin();
+  theSecond.mOnAppend = [&] {
+    strcpy(Record()->mFormatted, "mine");
+    Record()->mFormattedSource = "mine";
+  };
+  qvLog_Append_F("%s", "text");
+  EXPECT_EQ("text", End());
+}
+
+namespace {
+
+// Hands the same arguments to all loggers, then, with another text behind them, to one.
+void AppendToAllThenToOne(RecordingLogger* aLogger, qvLogDataEx* aRecord, char* aText, const char* aFormat,
+                          ...) {
+  va_list theArgs;
+  va_start(theArgs, aFormat);
+  qvLog_Append_VF(aFormat, theArgs);
+  aText[0] = 'S';
+  aLogger->Append_VF(aRecord, aFormat, theArgs);
+  va_end(theArgs);
+}
+
+}  // namespace
+
+TEST_F(qvLoggerText, WhatIsAppendedToOneLoggerAfterwardsIsFormattedAgain) {
+  char theText[] = "same ";
+  Begin();
+  AppendToAllThenToOne(&mLogger, Record(), theText, "%s", theText);
+  EXPECT_EQ("same Same ", End());
 }
 
 TEST_F(qvLoggerText, ATextOneByteBelowTheBufferIsWhole) {

@@ -133,6 +133,7 @@ TEST(qvLogger, ALoggerLeavesTheChainFromAnyPlace) {
   qvLogger::RemoveLogger(&theSecond);
   EXPECT_EQ(&theThird, qvLogger::sHead);
   EXPECT_EQ(&theFirst, theThird.mNext);
+  EXPECT_EQ(nullptr, theSecond.mNext);
   qvLogger::RemoveLogger(&theThird);
   EXPECT_EQ(&theFirst, qvLogger::sHead);
   qvLogger::RemoveLogger(&theFirst);
