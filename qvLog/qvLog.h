@@ -91,7 +91,8 @@ QVLOG_API void qvLog_Term(void);
 QVLOG_API void qvLog_NeverLog(void);
 
 /* Registers aFunc for messages below the threshold aLevel, with aCookie as its first argument; replaces an
- * earlier registration of the same function. aLevel 0 unregisters it. aCookie stays the caller's. */
+ * earlier registration of the same function. aLevel 0 unregisters it. aFunc may not be null. aCookie stays
+ * the caller's. */
 QVLOG_API void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie);
 
 QV_END_DECLS

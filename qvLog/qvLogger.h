@@ -105,14 +105,17 @@ class QVLOG_API qvLogger {
 
   // The configuration file's name, "qvLog." and the process name and ".ini".
   static qvCString GetConfigFileName();
-  // A setting of a section, of the logger's own section in the forms without aSection. A missing one gives
-  // the default, and the default is written into the file when "populate" is on. A stored -1 counts as
-  // missing.
+  // A setting of a section, of the logger's own section in the forms without aSection. What is missing, empty
+  // or no number gives the default; the default, unless it is an empty text, is then written into the file
+  // when "populate" is on. A stored -1 counts as missing. With OPT_NO_CONFIG the result is the default. The
+  // files are read anew by every call; a failure to read or to write them is not reported.
   qvCString GetConfig(const char* aKey, const char* aSection, const qvCString& aDefault);
   qvCString GetConfig(const char* aKey, const qvCString& aDefault);
   int32 GetConfig(const char* aKey, const char* aSection, int32 aDefault);
   int32 GetConfig(const char* aKey, int32 aDefault);
-  // The threshold that "Level" in the logger's own section names: a word or a number.
+  // The threshold that "Level" in the logger's own section names: "off", "error", "warn" or "warning",
+  // "info", "debug" or "all" (both open every level), in any case, or a decimal number, of which the low 16
+  // bits count. Any other text is 0, which is off. A numeric default is written into the file as its word.
   qvLogLevel GetConfigLevel(const qvCString& aDefault);
 
   static qvLogger* sHead;  // the first logger of the chain, or null

@@ -89,7 +89,9 @@ int32 qvLogger::GetConfig(const char* aKey, int32 aDefault) { return GetConfig(a
 // A populated file shows words: the word for a numeric default, other defaults as they are.
 static qvCString qvLoggerConfig_S_LevelWord(const qvCString& aDefault) {
   qvint64_t theNumber;
-  if (qvConvert_strtoint64(aDefault, &theNumber) != kqvConvertError_None) {
+  int theError = qvConvert_strtoint64(aDefault, &theNumber);
+  // A number beyond 64 bits was clamped, which does not change its word.
+  if (theError != kqvConvertError_None && theError != kqvConvertError_RangeHigh) {
     return aDefault;
   }
   if (theNumber >= 65535) {

@@ -1,9 +1,14 @@
 // qvLogger_File.h - the logger that writes to standard error, standard output or a file.
 //
 // Settings, section "File": "Level" (default "Off"), "File" (default "stderr": "stderr", "stdout" or a file
-// name in which %y %m %d %H %M %S and %n stand for the date, the time and the process name) and "Append" (1
-// appends to the file, anything else starts it anew). They are read when the logger is made and when the file
-// is opened; a reload does not change them.
+// name in which %y %m %d %H %M %S and %n stand for the local date (the year with all four digits), the time
+// and the process name; a relative one starts at the executable's directory) and "Append" (1 appends to the
+// file, anything else starts it anew). The threshold is read when the logger is made, the others whenever the
+// file is opened; a reload changes none of them.
+//
+// The first message opens the output. When it cannot be opened or written, the system's error is printed on
+// standard error, what was to be written is lost, and the next message opens the output again - under a name
+// with the date of that moment.
 #ifndef QVLOG_QVLOGGER_FILE_H
 #define QVLOG_QVLOGGER_FILE_H
 

@@ -15,7 +15,7 @@ static bool sfHasRemovedEntries = false;
 // The size of mStr's block. There is one instance at a time.
 static size_t sStrCapacity = 0;
 
-// The entries that a deleted logger left behind.
+// The entries that deleted loggers left behind.
 static qvLoggerFuncEntry* sLeftEntries = NULL;
 
 qvFuncLogger::qvFuncLogger(bool aAddToList)
@@ -31,13 +31,14 @@ qvFuncLogger::~qvFuncLogger() {
   qvFree(mStr);
   sStrCapacity = 0;
   // KEEP qvFuncLoggerKept.TheEntriesOutliveTheLogger
-  // They are not freed: whoever holds one from FindFunc may go on reading it. The list keeps them in sight.
-  while (mHead != NULL) {
-    qvLoggerFuncEntry* theNext = mHead->mNext;
-    mHead->mNext = sLeftEntries;
-    sLeftEntries = mHead;
-    mHead = theNext;
+  // They are not freed: whoever holds one from FindFunc may go on reading it, and walk on to the older ones.
+  // The list keeps them in sight.
+  qvLoggerFuncEntry** theEnd = &mHead;
+  while (*theEnd != NULL) {
+    theEnd = &(*theEnd)->mNext;
   }
+  *theEnd = sLeftEntries;
+  sLeftEntries = mHead;
 }
 
 void qvFuncLogger::SetFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {

@@ -29,8 +29,12 @@ class QVLOG_API qvFuncLogger : public qvLogger {
   // As qvLog_SetLogFunc. This and the three below: the caller holds the framework lock. A callback may change
   // the registrations, its own included, while it is called.
   void SetFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie);
+  // The newest entry of aFunc, or null. It stays the logger's and is freed when aFunc is removed; the entries
+  // that are there when the logger is deleted are never freed.
   qvLoggerFuncEntry* FindFunc(qvLog_LogFunc aFunc);
+  // Puts a new entry at the head, whether or not aFunc has one. Raises the logger's threshold to aLevel.
   void AddFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie);
+  // Removes every entry of aFunc. The logger's threshold becomes the highest of those left, 0 without any.
   void RemoveFunc(qvLog_LogFunc aFunc);
 
   static qvFuncLogger* sInstance;  // the one instance, or null

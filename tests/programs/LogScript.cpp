@@ -30,6 +30,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -56,6 +57,18 @@ extern "C" int gettimeofday(struct timeval* aTime, void*) noexcept {
     aTime->tv_usec = theNow.tv_nsec / 1000;
   }
   return 0;
+}
+
+static bool sfNoLocalTime = false;
+
+// Stands in for the system's, which cannot be made to fail.
+extern "C" struct tm* localtime(const time_t* aTime) noexcept {
+  static struct tm sTime;
+  if (sfNoLocalTime) {
+    return NULL;
+  }
+  tzset();
+  return localtime_r(aTime, &sTime);
 }
 
 class ProbeLogger : public qvLogger {
@@ -214,6 +227,8 @@ static bool RunFrameworkOperation(const std::string& aName) {
     sClock.tv_sec = atol(Next());
     sClock.tv_usec = atol(Next());
     sfClockStopped = true;
+  } else if (aName == "no-local-time") {
+    sfNoLocalTime = true;
   } else if (aName == "zone") {
     setenv("TZ", Next(), 1);
   } else {

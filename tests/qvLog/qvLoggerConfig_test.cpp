@@ -63,6 +63,9 @@ TEST(qvLoggerConfig, ALevelWordOrNumberGivesItsThreshold) {
       {"65535", "65535", "the largest threshold"},
       {"65536", "0", "the low 16 bits count"},
       {"65543", "7", "the low 16 bits count"},
+      {"4294967303", "7", "the low 16 bits count, beyond 32 bits too"},
+      {"-1", "65535", "the low 16 bits count"},
+      {"0x7", "0", "decimal only"},
       {"7up", "0", "not a number"},
       {"verbose", "0", "no level word"},
       {"warnings", "0", "no level word"},
@@ -77,9 +80,21 @@ TEST(qvLoggerConfig, AMissingLevelHasTheThresholdOfTheDefault) {
   struct {
     const char* mDefault;
     const char* mExpected;
-  } kCases[] = {{"Off", "0"}, {"All", "65535"},   {"0", "0"},         {"1", "0"},
-                {"2", "2"},   {"3", "3"},         {"4", "4"},         {"5", "5"},
-                {"7", "7"},   {"65535", "65535"}, {"99999", "65535"}, {"Info", "4"}};
+  } kCases[] = {{"Off", "0"},
+                {"All", "65535"},
+                {"0", "0"},
+                {"1", "0"},
+                {"2", "2"},
+                {"3", "3"},
+                {"4", "4"},
+                {"5", "5"},
+                {"7", "7"},
+                {"65535", "65535"},
+                {"99999", "65535"},
+                {"Info", "4"},
+                {"-1", "65535"},
+                {"5000000000", "65535"},
+                {"99999999999999999999", "65535"}};
   for (const auto& theCase : kCases) {
     EXPECT_EQ(theCase.mExpected, Probe("", {"get-level", theCase.mDefault})) << theCase.mDefault;
   }
@@ -89,10 +104,20 @@ TEST(qvLoggerConfig, ANumericDefaultLevelIsPopulatedAsAWord) {
   struct {
     const char* mDefault;
     const char* mExpected;
-  } kCases[] = {{"0", "level=Off"},           {"1", "level=Off"},      {"2", "level=Error"},
-                {"3", "level=Warn"},          {"4", "level=Info"},     {"5", "level=5"},
-                {"65534", "level=65534"},     {"65535", "level=All"},  {"99999", "level=All"},
-                {"warning", "level=warning"}, {"Debug", "level=Debug"}};
+  } kCases[] = {{"0", "level=Off"},
+                {"1", "level=Off"},
+                {"2", "level=Error"},
+                {"3", "level=Warn"},
+                {"4", "level=Info"},
+                {"5", "level=5"},
+                {"65534", "level=65534"},
+                {"65535", "level=All"},
+                {"99999", "level=All"},
+                {"warning", "level=warning"},
+                {"Debug", "level=Debug"},
+                {"-1", "level=-1"},
+                {"99999999999999999999", "level=All"},
+                {"-99999999999999999999", "level=-99999999999999999999"}};
   for (const auto& theCase : kCases) {
     LogProgram theProgram;
     theProgram.Run({"reload", "probe", "get-level", theCase.mDefault});
@@ -112,6 +137,11 @@ TEST(qvLoggerConfig, AnIntegerIsReadOrItsDefaultTaken) {
   EXPECT_EQ("0", Probe("key=0", {"get-int", "key", "5"}));
   EXPECT_EQ("5", Probe("other=12", {"get-int", "key", "5"}));
   EXPECT_EQ("5", Probe("key=text", {"get-int", "key", "5"}));
+  EXPECT_EQ("5", Probe("key=12abc", {"get-int", "key", "5"}));
+  EXPECT_EQ("2147483647", Probe("key=2147483647", {"get-int", "key", "5"}));
+  EXPECT_EQ("-2147483648", Probe("key=-2147483648", {"get-int", "key", "5"}));
+  EXPECT_EQ("5", Probe("key=2147483648", {"get-int", "key", "5"}));
+  EXPECT_EQ("-1", Probe("other=12", {"get-int", "key", "-1"}));
 }
 
 TEST(qvLoggerConfigKept, AStoredMinusOneCountsAsMissing) {
@@ -151,6 +181,19 @@ TEST(qvLoggerConfig, AnEmptyFileWithPopulateOnIsCompletedToo) {
   theProgram.Configure("[options]\npopulate=1\n");
   theProgram.Run({"reload"});
   EXPECT_THAT(theProgram.Populated(), HasSubstr("[file]\nlevel=Off\nfile=stderr\nappend=0\n"));
+}
+
+TEST(qvLoggerConfig, EveryNumberButZeroSwitchesPopulatingOn) {
+  struct {
+    const char* mSetting;
+    bool mfPopulates;
+  } kCases[] = {{"1", true}, {"2", true}, {"-2", true}, {"-1", true}, {"no", true}, {"", true}, {"0", false}};
+  for (const auto& theCase : kCases) {
+    LogProgram theProgram;
+    theProgram.Configure(std::string("[options]\npopulate=") + theCase.mSetting + "\n");
+    theProgram.Run({"reload"});
+    EXPECT_EQ(theCase.mfPopulates, FileExists(theProgram.Path("_qvLog.box.ini"))) << theCase.mSetting;
+  }
 }
 
 TEST(qvLoggerConfigKept, AFirstStartDoesNotWritePopulate) {
@@ -334,8 +377,33 @@ TEST(qvLoggerConfig, ALoggerWithoutConfigurationTakesItsDefaultsAndWritesNothing
   EXPECT_THAT(theProgram.Populated(), Not(HasSubstr("probe")));
 }
 
+// The bootstrap file is looked at as well, and the directories that it names are made, with every read.
+TEST(qvLoggerConfig, ALoggerWithoutConfigurationTouchesNoFile) {
+  struct {
+    const char* mProbe;
+    bool mfMakesFolder;
+  } kCases[] = {{"probe", true}, {"probe-without-config", false}};
+  for (const auto& theCase : kCases) {
+    LogProgram theProgram;
+    theProgram.Run({"reload", theCase.mProbe, "write", "ConfigPath.ini", "WritePath=./changed\n", "get-int",
+                    "key", "5", "get-text", "key", "default", "get-level", "Error"});
+    EXPECT_EQ(theCase.mfMakesFolder, FileExists(theProgram.Path("changed"))) << theCase.mProbe;
+  }
+}
+
 TEST(qvLoggerConfig, AConfigurationThatCannotBeWrittenIsNoFailure) {
   LogProgram theProgram;
   mkdir(theProgram.Path("_qvLog.box.ini").c_str(), 0777);
-  EXPECT_EQ("5\n", theProgram.Run({"reload", "probe", "get-int", "key", "5"}).mStdout);
+  ChildResult theResult = theProgram.Run({"reload", "probe", "get-int", "key", "5"});
+  EXPECT_EQ("5\n", theResult.mStdout);
+  EXPECT_EQ("", theResult.mStderr);
+}
+
+TEST(qvLoggerConfig, AConfigurationThatCannotBeReadIsAnEmptyOne) {
+  LogProgram theProgram;
+  mkdir(theProgram.Path("qvLog.box.ini").c_str(), 0777);
+  ChildResult theResult = theProgram.Run({"threshold", "File", "reload", "threshold", "File"});
+  EXPECT_EQ("none\n0\n", theResult.mStdout);
+  EXPECT_EQ("", theResult.mStderr);
+  EXPECT_THAT(theProgram.Populated(), HasSubstr("[file]\nlevel=Off\nfile=stderr\nappend=0\n"));
 }

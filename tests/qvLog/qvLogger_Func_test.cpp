@@ -8,12 +8,15 @@
 
 #include "support/ChildProcess.h"
 #include "support/ClassLayout.h"
+#include "support/LogProgram.h"
 #include "support/RecordingLogger.h"
 
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::Not;
 
 struct Received {
   std::vector<std::string> mTexts;
@@ -134,6 +137,13 @@ TEST_F(qvFuncLoggerTest, ASilentModuleIsSilentForCallbacksToo) {
   EXPECT_TRUE(LogText(1, 5, "text"));
 }
 
+TEST_F(qvFuncLoggerTest, TheConfigurationSwitchesNoModule) {
+  LogProgram theProgram;
+  theProgram.Configure("[func]\nLOG_DEFAULT=0\nLOG_SCHEDULER=1\n");
+  EXPECT_EQ("[one]\n", theProgram.Run({"func", "2", "log", "1", "0", "one", "log", "1", "4", "two"}).mStdout);
+  EXPECT_THAT(theProgram.Populated(), Not(HasSubstr("[func]")));
+}
+
 TEST_F(qvFuncLoggerTest, RegisteringAFunctionAgainReplacesLevelAndCookie) {
   Received theFirst;
   Received theSecond;
@@ -179,8 +189,11 @@ TEST_F(qvFuncLoggerTest, AMessageReachesOnlyTheCallbacksWhoseThresholdIsAboveIt)
   LogText(3, 0, "information");
   EXPECT_EQ(1u, theVerbose.mTexts.size());
   EXPECT_EQ(0u, theTerse.mTexts.size());
-  LogText(1, 0, "error");
+  LogText(2, 0, "warning");
   EXPECT_EQ(2u, theVerbose.mTexts.size());
+  EXPECT_EQ(0u, theTerse.mTexts.size()) << "a level that equals the threshold does not pass";
+  LogText(1, 0, "error");
+  EXPECT_EQ(3u, theVerbose.mTexts.size());
   EXPECT_EQ(1u, theTerse.mTexts.size());
   qvLog_SetLogFunc(0, ReceiveF, nullptr);
 }
@@ -188,7 +201,6 @@ TEST_F(qvFuncLoggerTest, AMessageReachesOnlyTheCallbacksWhoseThresholdIsAboveIt)
 TEST_F(qvFuncLoggerTest, AMessageThatNoCallbackWantsIsRefused) {
   Received theReceived;
   qvLog_SetLogFunc(2, Receive, &theReceived);
-  RecordingLogger theOther(9);
   qvLogDataEx theRecord = {};
   theRecord.mLevel = 2;
   EXPECT_FALSE(Instance()->BeginLog(&theRecord));
@@ -264,6 +276,7 @@ TEST_F(qvFuncLoggerKept, TheEntriesOutliveTheLogger) {
   EXPECT_EQ(2, theEntry->mLevel);
   EXPECT_EQ(&theReceived, theEntry->mCookie);
   EXPECT_EQ(&ReceiveG, theOther->mFunc);
+  EXPECT_EQ(theEntry, theOther->mNext) << "the list holds together";
 }
 
 TEST_F(qvFuncLoggerTest, FindFuncGivesTheEntryOrNull) {
