@@ -176,16 +176,18 @@ QVLOG_API int qvConvert_dlnaseconddurationstrtouint32(const char* aStr, uint32* 
 
 /* ---- Fractions ----
  *
- * A plain number, a/b, w n/d or w-n/d, whatever the process's locale. */
+ * Whatever the process's locale, the decimal sign is the point. */
 
-/* Returns 0 on success and 1 (not a negative code) for anything else, null included; the destination is then
- * 0. */
+/* A plain number, a/b, w n/d or w-n/d with 0 <= n < d. The number before it all is what scanf's "%lf" reads,
+ * "inf" and "nan" too, and whole when a fraction follows; the others are decimal 64-bit integers. Returns 0
+ * on success and 1 (not a negative code) for anything else, null included; the destination is then 0. */
 QVLOG_API int qvConvert_strnfractiontodouble(const char* aStr, size_t aLength, double* aDouble);
 QVLOG_API int qvConvert_strfractiontodouble(const char* aStr, double* aDouble);
 
-/* A number, n/d or w n/d, the parts of fractions being decimal 64-bit integers. Returns a result code of the
- * number parsers; the destination is 0 after a failure. A denominator of 0 gives 0 and leaves the destination
- * alone. */
+/* A number, n/d or w n/d, the parts of fractions being decimal 64-bit integers. Returns the result code of the
+ * number parser that read the last part: a position counts from the start of that part, and in a fraction it
+ * is a failure, since nothing may follow a part. The destination is 0 after a failure. A denominator of 0
+ * gives 0 and leaves the destination alone. */
 QVLOG_API int qvConvert_strtodouble(const char* aStr, double* aDouble);
 
 /* Splits aDouble into a whole part and the fraction that comes within aPrecision of the rest with a

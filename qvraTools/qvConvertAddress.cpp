@@ -3,6 +3,7 @@
 
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvConvert.h"
+#include "qvraTools/qvConvert_p.h"
 
 char* qvConvert_MACtostr(const uint8* aMAC, char aSeparator) {
   return qv_mnprintf("%02x%c%02x%c%02x%c%02x%c%02x%c%02x", aMAC[0], aSeparator, aMAC[1], aSeparator, aMAC[2],
@@ -30,10 +31,7 @@ int qvConvert_strtoMAC(const char* aStr, uint8* aMAC) {
       ++aStr;
     }
   }
-  while (qvConvert_isspace(static_cast<unsigned char>(*aStr))) {
-    ++aStr;
-  }
-  return *aStr == '\0' ? kqvConvertError_None : kqvConvertError_Invalid;
+  return *qvConvert_S_SkipSpace(aStr) == '\0' ? kqvConvertError_None : kqvConvertError_Invalid;
 }
 
 char* qvConvert_iptostr(uint32 anIP) {

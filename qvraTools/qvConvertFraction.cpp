@@ -6,6 +6,7 @@
 
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvConvert.h"
+#include "qvraTools/qvConvert_p.h"
 #include "qvraTools/qvLongLong.h"
 #include "qvraTools/qvMalloc.h"
 
@@ -19,9 +20,9 @@ namespace {
 struct FractionParts {
   double mNumber;
   char mAfterNumber;
-  long long mNumerator;
+  int64 mNumerator;
   char mAfterNumerator;
-  long long mDenominator;
+  int64 mDenominator;
   char mAfterDenominator;
 };
 
@@ -29,17 +30,46 @@ constexpr char kSentinel = '\a';  // stands behind the text, so that the last it
 
 }  // namespace
 
-// Scans the text, which ends with the sentinel, and returns how many items it holds (0 to 6).
-static int qvConvert_S_ScanFraction(const char* aStr, FractionParts* aParts) {
+// Scans a number as the C library takes it, and the character behind it; returns how many of the two are
+// there and moves *aStr behind them.
+static int qvConvert_S_ScanNumber(const char** aStr, double* aNumber, char* aAfter) {
   // The calling thread reads as in the "C" locale, so that the point is the decimal sign whatever locale the
-  // program has chosen. The widths keep every integer within its type on all targets.
+  // program has chosen.
   locale_t theCLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(0));
   locale_t theOldLocale = uselocale(theCLocale);
-  int theCount =
-      sscanf(aStr, " %lf%c %18lld %c %18lld %c", &aParts->mNumber, &aParts->mAfterNumber, &aParts->mNumerator,
-             &aParts->mAfterNumerator, &aParts->mDenominator, &aParts->mAfterDenominator);
+  int theLength = 0;
+  int theCount = sscanf(*aStr, " %lf%c%n", aNumber, aAfter, &theLength);
   uselocale(theOldLocale);
   freelocale(theCLocale);
+  *aStr += theLength;
+  return theCount > 0 ? theCount : 0;
+}
+
+// The same for an integer, with white space allowed on either side. Not by sscanf, which leaves undefined
+// what becomes of a number that does not fit.
+static int qvConvert_S_ScanInteger(const char** aStr, int64* aInteger, char* aAfter) {
+  int thePosition = qvConvert_strtoint64(*aStr, aInteger);
+  if (thePosition <= 0) {
+    return thePosition == kqvConvertError_None ? 1 : 0;  // 1: the number ends the text
+  }
+  const char* theAfter = qvConvert_S_SkipSpace(*aStr + thePosition);
+  if (*theAfter == '\0') {
+    return 1;
+  }
+  *aAfter = *theAfter;
+  *aStr = theAfter + 1;
+  return 2;
+}
+
+// Scans the text, which ends with the sentinel, and returns how many items it holds (0 to 6).
+static int qvConvert_S_ScanFraction(const char* aStr, FractionParts* aParts) {
+  int theCount = qvConvert_S_ScanNumber(&aStr, &aParts->mNumber, &aParts->mAfterNumber);
+  if (theCount == 2) {
+    theCount += qvConvert_S_ScanInteger(&aStr, &aParts->mNumerator, &aParts->mAfterNumerator);
+  }
+  if (theCount == 4) {
+    theCount += qvConvert_S_ScanInteger(&aStr, &aParts->mDenominator, &aParts->mAfterDenominator);
+  }
   return theCount;
 }
 
@@ -62,7 +92,7 @@ static bool qvConvert_S_IsMixedFraction(const FractionParts& aParts) {
 static int qvConvert_S_ReadFraction(const char* aStr, double* aDouble) {
   FractionParts theParts = {0.0, '\0', 0, '\0', 0, '\0'};
   int theCount = qvConvert_S_ScanFraction(aStr, &theParts);
-  if (theCount == 2 && theParts.mAfterNumber == kSentinel && isfinite(theParts.mNumber)) {
+  if (theCount == 2 && theParts.mAfterNumber == kSentinel) {
     *aDouble = theParts.mNumber;
     return 0;
   }
@@ -74,10 +104,8 @@ static int qvConvert_S_ReadFraction(const char* aStr, double* aDouble) {
     double theFraction =
         static_cast<double>(theParts.mNumerator) / static_cast<double>(theParts.mDenominator);
     // The sign is looked for in the text, because "-0 1/2" is below zero and the number 0 does not say so.
-    while (qvConvert_isspace(static_cast<unsigned char>(*aStr))) {
-      ++aStr;
-    }
-    *aDouble = *aStr == '-' ? theParts.mNumber - theFraction : theParts.mNumber + theFraction;
+    *aDouble =
+        *qvConvert_S_SkipSpace(aStr) == '-' ? theParts.mNumber - theFraction : theParts.mNumber + theFraction;
     return 0;
   }
   return 1;
@@ -138,9 +166,7 @@ int qvConvert_strtodouble(const char* aStr, double* aDouble) {
     *aDouble = 0.0;
     return kqvConvertError_Invalid;
   }
-  while (qvConvert_isspace(static_cast<unsigned char>(*aStr))) {
-    ++aStr;
-  }
+  aStr = qvConvert_S_SkipSpace(aStr);
   const char* theSlash = strchr(aStr, '/');
   if (theSlash == NULL) {
     return qvConvert_strtod(aStr, aDouble);  // which finds an empty text invalid

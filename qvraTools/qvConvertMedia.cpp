@@ -1,4 +1,5 @@
 // qvConvertMedia.cpp - the date, time and duration notations of DLNA media metadata and of NPT positions.
+#include <math.h>
 #include <string.h>
 
 #include "qvraTools/qvConvert.h"
@@ -182,7 +183,8 @@ static bool qvConvert_S_ReadDurationField(const char** aStr, size_t aMinDigits, 
 static bool qvConvert_S_ReadDurationFraction(const char* aStr, int afAcceptFraction, uint32* aMilliSecond) {
   bool theSlashFlag = strchr(aStr, '/') != NULL;
   double theValue = 0.0;
-  if ((theSlashFlag && !afAcceptFraction) || qvConvert_strfractiontodouble(aStr, &theValue) != 0) {
+  if ((theSlashFlag && !afAcceptFraction) || qvConvert_strfractiontodouble(aStr, &theValue) != 0 ||
+      !isfinite(theValue)) {
     return false;
   }
   if (theSlashFlag) {
@@ -194,7 +196,7 @@ static bool qvConvert_S_ReadDurationFraction(const char* aStr, int afAcceptFract
       theValue /= 10.0;
     }
   }
-  if (!(theValue >= 0.0 && theValue <= 1000.0)) {
+  if (theValue < 0.0 || theValue > 1000.0) {
     return false;
   }
   *aMilliSecond = static_cast<uint32>(theValue);
@@ -269,8 +271,11 @@ static int qvConvert_S_ReadSecondFraction(const char* aStr, uint32* aMilliSecond
 
 int qvConvert_dlnaseconddurationstrtouint32(const char* aStr, uint32* aSecond, uint32* aMilliSecond) {
   enum { kMaxMilliSecond = 999 };
-  const char* theDot = aStr != NULL ? strchr(aStr, '.') : NULL;
-  size_t theLength = theDot != NULL ? static_cast<size_t>(theDot - aStr) : aStr != NULL ? strlen(aStr) : 0;
+  if (aStr == NULL) {
+    return kqvConvertError_Invalid;
+  }
+  const char* theDot = strchr(aStr, '.');
+  size_t theLength = theDot != NULL ? static_cast<size_t>(theDot - aStr) : strlen(aStr);
   uint32 theSecond = 0;
   uint32 theMilliSecond = 0;
   int theResult = qvConvert_strntouint32(aStr, theLength, &theSecond);

@@ -9,6 +9,7 @@
 #include "qvraTools/qvConvert.h"
 #include "qvraTools/qvLongLong.h"
 #include "qvraTools/qvMalloc.h"
+#include "support/CommaLocale.h"
 
 namespace {
 
@@ -59,12 +60,22 @@ const ReadCase kFractionCases[] = {
     {"", 1, 0.0, "nothing"},
     {"x", 1, 0.0, "no number"},
     {"1,5", 1, 0.0, "a comma is no decimal sign"},
-    {"inf", 1, 0.0, "infinity is no number"},
-    {"nan", 1, 0.0, "nor is NaN"},
-    {"1e999", 1, 0.0, "nor what no double holds"},
-    {"1e999/2", 1, 0.0, "nor as a numerator"},
-    {"1/9999999999999999999999", 1, 0.0, "a denominator that no integer holds"},
-    {"1/999999999999999999", 0, 1e-18, "eighteen digits are read"},
+    {"0x1p-1", 0, 0.5, "a plain number is what the C library takes for one"},
+    {"inf", 0, HUGE_VAL, "infinity too"},
+    {"-1e999", 0, -HUGE_VAL, "which is what no double holds"},
+    {"1e999/2", 1, 0.0, "infinity is not whole, so no numerator"},
+    {"inf 1/2", 1, 0.0, "nor a whole part"},
+    {"nan/2", 1, 0.0, "nor is NaN"},
+    {"1/9223372036854775808", 1, 0.0, "a denominator that no 64-bit integer holds"},
+    {"1/1000000000000000000", 0, 1e-18, "one that it does, in nineteen digits"},
+    {"1/00000000000000000000002", 0, 0.5, "zeros in front are not counted"},
+    {"1 00000000000000000000001/+2", 0, 1.5, "nor in the numerator; a plus sign is allowed"},
+    {"1 1/99999999999999999999", 1, 0.0, "the same bound behind a whole part"},
+    {"1 99999999999999999999/2", 1, 0.0, "and for the numerator"},
+    {"\xE9", 1, 0.0, "a byte above 0x7F"},
+    {"1\xA0"
+     "1/2",
+     1, 0.0, "a blank of another character set"},
     {nullptr, 1, 0.0, "null"},
 };
 
@@ -85,20 +96,44 @@ TEST(qvConvertFraction, LengthBoundsTheText) {
   EXPECT_EQ(1.0, theValue);
   EXPECT_EQ(1, qvConvert_strnfractiontodouble("12", 0, &theValue));
   EXPECT_EQ(1, qvConvert_strnfractiontodouble("1\0", 2, &theValue)) << "a zero byte in the text";
+  EXPECT_EQ(1, qvConvert_strnfractiontodouble("1/2\0", 4, &theValue)) << "behind a fraction";
   EXPECT_EQ(1, qvConvert_strnfractiontodouble(nullptr, 3, &theValue));
 }
 
-// The locale of the test machine may be any; one with a decimal comma is asked for and used when it is there.
-TEST(qvConvertFraction, TheLocaleChangesNothing) {
-  for (const char* theName : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"}) {
-    if (setlocale(LC_ALL, theName) != nullptr) {
-      break;
-    }
+TEST(qvConvertFraction, NaNIsAPlainNumber) {
+  double theValue = 0.0;
+  EXPECT_EQ(0, qvConvert_strfractiontodouble("nan", &theValue));
+  EXPECT_TRUE(std::isnan(theValue));
+}
+
+// Bit for bit: the nearest double, which the step-by-step parser of plain numbers does not promise.
+TEST(qvConvertFraction, NumbersAreTheNearestDouble) {
+  double theValue = 0.0;
+  EXPECT_EQ(0, qvConvert_strfractiontodouble("0.1234567890123456789", &theValue));
+  EXPECT_EQ(0.1234567890123456789, theValue);
+  EXPECT_EQ(0, qvConvert_strfractiontodouble("8.7654321e-37", &theValue));
+  EXPECT_EQ(8.7654321e-37, theValue);
+}
+
+TEST(qvConvertFraction, ALocaleWithADecimalCommaChangesNothing) {
+  CommaLocale theLocale;
+  if (!theLocale.WhyNot().empty()) {
+    GTEST_SKIP() << theLocale.WhyNot();
   }
   double theValue = 0.0;
   EXPECT_EQ(0, qvConvert_strfractiontodouble("1.5", &theValue));
   EXPECT_EQ(1.5, theValue);
   EXPECT_EQ(1, qvConvert_strfractiontodouble("1,5", &theValue));
+  EXPECT_EQ(0, qvConvert_strfractiontodouble("2.0/4", &theValue));
+  EXPECT_EQ(0.5, theValue);
+  EXPECT_EQ(0, qvConvert_strtodouble("1.5", &theValue));
+  EXPECT_EQ(1.5, theValue);
+  EXPECT_EQ(1, qvConvert_strtodouble("1,5", &theValue)) << "the comma is other text";
+  char* theText = nullptr;
+  EXPECT_EQ(0, qvConvert_cleanupfraction("0.125", 1000, &theText));
+  EXPECT_STREQ("1/8", theText);
+  qvFree(theText);
+  EXPECT_EQ(std::string(","), localeconv()->decimal_point) << "the program's own locale stays in force";
 }
 
 TEST(qvConvertFraction, NumberOrFractionBecomesADouble) {
@@ -115,6 +150,7 @@ TEST(qvConvertFraction, NumberOrFractionBecomesADouble) {
       {"3/-4", 0, -0.75, "a negative denominator"},
       {"1 1/2", 0, 1.5, "a whole and a fraction"},
       {"-1 1/2", 0, -1.5, "a negative whole"},
+      {"-0 1/2", 0, 0.5, "0 is not negative, whatever its sign"},
       {"1 3/2", 0, 2.5, "the numerator may be any"},
       {"1  1/2", 0, 1.5, "the numerator may have blanks in front"},
       {"1 /2", -3, 0.0, "a blank before the slash announces a numerator"},
@@ -173,6 +209,17 @@ const WriteCase kWriteCases[] = {
     {0.001, 100, 1e-14, "0", "too small for the bound: 0 is nearer than 1/100"},
     {0.009, 100, 1e-14, "1/100", "here 1/100 is nearer"},
     {1e15, 100, 1e-14, "1000000000000000", "a large whole"},
+    {-0.0, 100, 1e-14, "0", "minus zero is not below zero"},
+    {-1e-20, 100, 1e-14, "-0", "what is below zero has its sign, even when nothing is left of it"},
+    {1.0 / 3.0, 3, 1e-14, "1/3", "the bound itself is allowed"},
+    {1.0 / 3.0, 2, 1e-14, "1/2", "above it the bound becomes the denominator, with numerator 1"},
+    {0.4, 4, 1e-14, "1/3", "or the numerator before gets the denominator that suits it"},
+    {0.4, 5, 1e-14, "2/5", "the bound itself is allowed at the second step too"},
+    {0.596, 10000, 0.05, "1/2", "the search ends where the rest is below what the precision leaves open"},
+    {0.449, 1000, 0.001, "31/69", "which grows as the error shrinks"},
+    {0.81, 100, 0.01, "17/21", "and counts when a term is cut to an integer"},
+    {0.0234, 1000, 0.05, "0", "a rest within the precision is none"},
+    {-0.001, 100, 1e-14, "-0", "the sign of a fraction too small for the bound"},
 };
 
 TEST(qvConvertFraction, DoubleBecomesFractionText) {
@@ -229,6 +276,17 @@ TEST(qvConvertFraction, PartsComeWithTheRemainingError) {
   EXPECT_EQ(4, Value(theDenominator));
 }
 
+TEST(qvConvertFraction, FractionTooSmallForTheBoundIsZeroAndItsErrorTheRest) {
+  qvLongLong theWhole;
+  qvLongLong theNumerator;
+  qvLongLong theDenominator;
+  EXPECT_EQ(0.001,
+            qvConvert_doubletofractionparts(0.001, &theWhole, &theNumerator, &theDenominator, 100, 1e-14));
+  EXPECT_EQ(0, Value(theWhole));
+  EXPECT_EQ(0, Value(theNumerator));
+  EXPECT_EQ(1, Value(theDenominator));
+}
+
 TEST(qvConvertFraction, WithoutAFractionNumeratorAndDenominatorAreZero) {
   qvLongLong theWhole;
   qvLongLong theNumerator;
@@ -278,6 +336,13 @@ TEST(qvConvertFraction, CleanupReducesAFraction) {
     EXPECT_STREQ(theCase.mCleaned, theText);
     qvFree(theText);
   }
+}
+
+TEST(qvConvertFraction, CleanupKeepsWhatDiffersByMoreThanItsPrecision) {
+  char* theText = nullptr;
+  EXPECT_EQ(0, qvConvert_cleanupfraction("10000000/970000001", 2147483647, &theText));
+  EXPECT_STREQ("10000000/970000001", theText) << "1e-11 away from 1/97";
+  qvFree(theText);
 }
 
 TEST(qvConvertFraction, CleanupOfNoFractionReturnsOne) {
