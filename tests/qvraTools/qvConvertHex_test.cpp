@@ -99,6 +99,7 @@ TEST(qvConvertHex, BadTextGivesNoBuffer) {
     const char* mWhy;
   } kCases[] = {
       {"abc", 3, 1, "odd number of digits"},
+      {"0", 1, 1, "one character is no prefix"},
       {"0xabc", 5, 1, "odd number of digits behind the prefix"},
       {"abcdef", 6, 4, "no multiple of the word size"},
       {"0g", 2, 1, "no digit"},
