@@ -27,9 +27,8 @@ static bool qvUUID_S_IsEarlier(const qvtimeval* aX, const qvtimeval* aY) {
 
 int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
   if (aClock->mLast.tv_sec == 0 && aClock->mLast.tv_usec == 0) {
-    uint8 theBytes[2];
-    qvUUID_GetRandomBytes(theBytes, sizeof(theBytes));
-    aClock->mSequence = static_cast<uint16>((theBytes[0] << 8 | theBytes[1]) & kqvUUID_ClockSequenceMask);
+    qvUUID_GetRandomBytes(reinterpret_cast<uint8*>(&aClock->mSequence), sizeof(aClock->mSequence));
+    aClock->mSequence &= kqvUUID_ClockSequenceMask;
     aClock->mLast = *aNow;
     --aClock->mLast.tv_sec;
   }

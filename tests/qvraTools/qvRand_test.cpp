@@ -6,6 +6,7 @@
 #include <set>
 
 #include "qvOS/qvRandStd.h"
+#include "support/FakeDevice.h"
 
 TEST(qvRand, SystemNumbersFollowTheSeed) {
   qvOSRand_SetSeed(12345);
@@ -96,11 +97,37 @@ TEST(qvRand, InitSeedsOnlyOnce) {
   EXPECT_EQ(theExpected, qvRand_UInt32()) << "a second call would have seeded anew";
 }
 
-TEST(qvRand, InitReplacesTheSeed) {
-  // The seed comes from the clock: one run in four thousand million starts the same sequence as srand(42).
-  srand(42);
-  uint32 theUnseeded = qvRand_UInt32();
-  srand(42);
+// Expects that the next numbers are those of this seed.
+static void ExpectSeed(uint32 aSeed) {
+  uint32 theDrawn = qvRand_UInt32();
+  srand(aSeed);
+  EXPECT_EQ(qvRand_UInt32(), theDrawn);
+}
+
+TEST(qvRand, InitSeedsFromTheTimeAndTheLastFourBytesOfTheAddress) {
+  gDevice.mTimes = {{0x50000000, 0x000F0001}};
   qvRand_Init();
-  EXPECT_NE(theUnseeded, qvRand_UInt32());
+  ExpectSeed(0x500F0001 ^ 0x2B3C4D5E);
+}
+
+TEST(qvRand, InitWithoutAnAddressSeedsFromTheTimeAlone) {
+  gDevice.mTimes = {{0x50000000, 0x000F0001}};
+  gDevice.mfHasAddress = false;
+  qvRand_Init();
+  ExpectSeed(0x500F0001);
+}
+
+TEST(qvRand, SeedWrapsAroundAt32Bits) {
+  gDevice.mTimes = {{-1, 3}};
+  gDevice.mfHasAddress = false;
+  qvRand_Init();
+  ExpectSeed(2);
+}
+
+TEST(qvRand, DrawingDoesNotSeed) {
+  srand(42);
+  uint32 theFirst = qvRand_UInt32();
+  srand(42);
+  EXPECT_EQ(theFirst, qvRand_UInt32());
+  EXPECT_EQ(0, gDevice.mReadings);
 }

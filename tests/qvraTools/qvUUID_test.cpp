@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/time.h>
 
 #include <cstddef>
 #include <cstring>
 #include <set>
 #include <string>
 
-#include "qvOS/qvMACAddress.h"
 #include "qvraTools/qvUUID_p.h"
+#include "support/FakeDevice.h"
 
 namespace {
 
@@ -83,30 +82,73 @@ TEST(qvUUID, ManyUUIDsDiffer) {
 }
 
 TEST(qvUUID, TimeCountsFrom1582) {
-  struct timeval theBefore;
-  struct timeval theAfter;
   uint8 theUUID[16];
-  gettimeofday(&theBefore, nullptr);
+  gDevice.mTimes = {{0, 0}};
   qvUUID_Generate(theUUID);
-  gettimeofday(&theAfter, nullptr);
-  const uint64 kEpoch = 122192928000000000ull;  // 141,427 days in units of 100 ns
-  EXPECT_GE(TimeOf(theUUID), kEpoch + static_cast<uint64>(theBefore.tv_sec) * 10000000 +
-                                 static_cast<uint64>(theBefore.tv_usec) * 10);
-  EXPECT_LE(TimeOf(theUUID), kEpoch + static_cast<uint64>(theAfter.tv_sec) * 10000000 +
-                                 static_cast<uint64>(theAfter.tv_usec) * 10 + 10);
+  EXPECT_EQ(122192928000000000ull, TimeOf(theUUID)) << "141,427 days in units of 100 ns";
+  gDevice.mTimes = {{1425810030, 250001}};
+  qvUUID_Generate(theUUID);
+  EXPECT_EQ(136451028302500010ull, TimeOf(theUUID));
+  gDevice.mTimes = {{-1, 999999}};  // the last second of the 32 bits, in 2106
+  qvUUID_Generate(theUUID);
+  EXPECT_EQ(122192928000000000ull + 42949672959999990ull, TimeOf(theUUID));
 }
 
-TEST(qvUUID, NodeIsTheDevicesAddressAndStaysTheSame) {
-  uint8 theMAC[6];
+TEST(qvUUID, TimeOfAKnownMomentLiesInItsFields) {
+  uint8 theUUID[16];
+  gDevice.mTimes = {{1425810030, 250001}};
+  qvUUID_Generate(theUUID);
+  EXPECT_EQ("bf3510aa-c57c-11e4", Text(theUUID).substr(0, 18));
+}
+
+TEST(qvUUID, ElevenInOneMicrosecondCountUpAndTheTwelfthWaitsForTheNext) {
+  uint8 theUUID[16];
+  gDevice.mTimes = {{1000, 500}};
+  qvUUID_Generate(theUUID);
+  const uint64 kFirst = TimeOf(theUUID);
+  for (uint64 i = 1; i <= 10; ++i) {
+    qvUUID_Generate(theUUID);
+    EXPECT_EQ(kFirst + i, TimeOf(theUUID));
+  }
+  EXPECT_EQ(11, gDevice.mReadings) << "none has waited";
+  gDevice.mTimes = {{1000, 500}, {1000, 500}, {1000, 501}};
+  qvUUID_Generate(theUUID);
+  EXPECT_EQ(kFirst + 10, TimeOf(theUUID)) << "a microsecond later";
+  EXPECT_EQ(14, gDevice.mReadings) << "the clock was read until it had moved";
+}
+
+TEST(qvUUID, AClockThatGoesBackChangesTheSequence) {
+  unsigned int theHigh = 0;
+  uint32 theLow = 0;
+  uint16 theBefore = 0;
+  uint16 theAfter = 0;
+  gDevice.mTimes = {{1000, 500}, {1000, 499}};
+  EXPECT_EQ(0, qvUUID_GetClock(&theHigh, &theLow, &theBefore));
+  EXPECT_EQ(0, qvUUID_GetClock(&theHigh, &theLow, &theAfter));
+  EXPECT_EQ((theBefore + 1) & 0x1FFF, theAfter);
+}
+
+TEST(qvUUID, NodeIsTheAddressThatTheDeviceHadFirst) {
+  uint8 theUUID[16];
+  qvUUID_Generate(theUUID);
+  EXPECT_EQ("021a2b3c4d5e", Text(theUUID).substr(24));
+  gDevice.mAddress[0] = 0x77;
+  qvUUID_Generate(theUUID);
+  EXPECT_EQ("021a2b3c4d5e", Text(theUUID).substr(24));
+}
+
+TEST(qvUUID, WithoutAnAddressTheNodeIsRandomAndStaysTheSame) {
   uint8 theFirst[16];
   uint8 theSecond[16];
-  int theFound = qvMACAddress_Get(0, theMAC);
+  gDevice.mfHasAddress = false;
+  srand(5);
+  uint8 theNode[6];
+  qvUUID_S_MakeRandomNode(theNode);
+  srand(5);
   qvUUID_Generate(theFirst);
   qvUUID_Generate(theSecond);
-  EXPECT_EQ(0, memcmp(theFirst + 10, theSecond + 10, 6));
-  if (theFound == 1) {
-    EXPECT_EQ(0, memcmp(theMAC, theFirst + 10, 6));
-  }
+  EXPECT_EQ(0, memcmp(theNode, theFirst + 10, 6));
+  EXPECT_EQ(0, memcmp(theNode, theSecond + 10, 6));
 }
 
 TEST(qvUUIDKept, RandomNodeIsMarkedInItsTopBit) {
@@ -167,6 +209,20 @@ TEST(qvUUIDClock, TheFirstSequenceIsRandomWithin13Bits) {
     theSequences.insert(theClock.mSequence);
   }
   EXPECT_GT(theSequences.size(), 10u);
+}
+
+TEST(qvUUIDClock, TheFirstSequenceIsTwoRandomBytesAsTheyLieInMemory) {
+  for (unsigned theSeed = 1; theSeed <= 20; ++theSeed) {
+    srand(theSeed);
+    uint8 theBytes[2];
+    qvUUID_GetRandomBytes(theBytes, 2);
+    srand(theSeed);
+    qvUUID_Clock theClock = {};
+    const qvtimeval kNow = {1000, 500};
+    qvUUID_S_AdvanceClock(&theClock, &kNow);
+    EXPECT_EQ(theBytes[0], theClock.mSequence & 0xFF);
+    EXPECT_EQ(theBytes[1] & 0x1F, theClock.mSequence >> 8);
+  }
 }
 
 TEST(qvUUIDClock, AClockThatGoesBackRaisesTheSequence) {
