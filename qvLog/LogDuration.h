@@ -3,10 +3,9 @@
 //   #define QVLOGLEVEL QVLOGLEVEL_ALL
 //   #include <qvLog/LogDuration.h>
 //   {
-//     QVLOG_LOAD(STORAGE, F("playlist %s", theName));  // I ... STORAGE    Loading: playlist a.m3u
+//     QVLOG_LOAD(STORAGE, F("playlist %s", theName));  // Loading: playlist a.m3u
 //     ...
-//   }                                                  // I ... STORAGE    Loaded : playlist a.m3u (0.050
-//   seconds)
+//   }                                                  // Loaded : playlist a.m3u (0.050 seconds)
 #ifndef QVLOG_LOGDURATION_H
 #define QVLOG_LOGDURATION_H
 
@@ -23,7 +22,8 @@
 #define kqvLogDuration_Duration 5  // nothing       "Performed"
 #define kqvLogDuration_InOut    6  // "Entering"    "Leaving"
 
-// A scoped object: the constructor logs the start, the destructor the end. It belongs to one thread.
+// A scoped object: the constructor logs the start, the destructor the end. It belongs to one thread. The
+// messages carry the library's own source file and line.
 class QVLOG_API qvLogDuration {
  public:
   // aText describes the activity; the object takes it over and releases it with qvFree (null is allowed).
@@ -34,7 +34,8 @@ class QVLOG_API qvLogDuration {
   qvLogDuration(const qvLogDuration&) = delete;
   qvLogDuration& operator=(const qvLogDuration&) = delete;
 
-  // A new text of at most 255 bytes for the constructor; "????" when the format is wrong.
+  // A new text for the constructor, which releases it (otherwise qvFree does): cut to 255 bytes; "????" when
+  // the format is wrong.
   static char* qvLogDuration_F(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 
   qvLogLevel mLogLevel;

@@ -1,4 +1,4 @@
-// The duration statements at a compile-time level that leaves them out, and with a level of the unit's own.
+// The duration statements with a level of the unit's own, just below the compile-time level.
 #define QVLOGLEVEL          QVLOGLEVEL_WARNING
 #define QVLOGDURATION_LEVEL QVLOGLEVEL_ERROR
 #include "qvLog/LogDuration.h"

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "qvraTools/qvMalloc.h"
+#include "support/HeapUse.h"
+#include "support/RecordingLogger.h"
 
 namespace {
 
@@ -124,12 +126,31 @@ TEST_F(LogDurationKept, OnlyTheEndHasABlankBeforeTheColon) {
 
 TEST_F(LogDuration, WhatIsOffAtTheStartStaysSilentWhenTheLevelRises) {
   {
-    // The sanitizer builds see that the text is released all the same.
     qvLogDuration theDuration(6, 0, kqvLogDuration_Run, qvStrdup("quiet"));
     EXPECT_FALSE(theDuration.mfStarted);
     qvLog_SetLogFunc(QVLOGLEVEL_ALL & 0xFFFF, Remember, nullptr);
   }
   EXPECT_TRUE(sMessages.empty());
+}
+
+TEST_F(LogDuration, TextIsReleasedWhetherItIsLoggedOrNot) {
+  ExpectNoHeapGrowth([] {
+    qvLogDuration theDuration(QVLOGLEVEL_INFO, 0, kqvLogDuration_Run, qvStrdup("loud"));
+    sMessages.clear();
+  });
+  ExpectNoHeapGrowth([] { qvLogDuration theDuration(6, 0, kqvLogDuration_Run, qvStrdup("quiet")); });
+}
+
+TEST_F(LogDuration, OnlyTheEndIsAMultiLineText) {
+  RecordingLogger theLogger(5);
+  {
+    qvLogDuration theDuration(QVLOGLEVEL_ERROR, 0, kqvLogDuration_Run, qvStrdup("a\nb"));
+    Freeze(&theDuration, 50);
+  }
+  EXPECT_THAT(theLogger.mMessages,
+              testing::ElementsAre("Running: a\nb\n",
+                                   testing::MatchesRegex("Done : a\nE [0-9:]{12}\\|[0-9a-f]{8}\\|DEFAULT    "
+                                                         "b \\(0\\.050 seconds\\)\n")));
 }
 
 TEST_F(LogDuration, WhatIsSwitchedOffInBetweenLogsNoEnd) {
@@ -149,6 +170,7 @@ TEST_F(LogDuration, MessagesCarryLevelModuleAndThisUnit) {
     EXPECT_THAT(theMessage.mFile, testing::HasSubstr("LogDuration.cpp"));
     EXPECT_GT(theMessage.mLine, 0u);
   }
+  EXPECT_LT(sMessages[0].mLine, sMessages[1].mLine) << "each message has its own";
 }
 
 TEST_F(LogDuration, NullTextIsAllowed) {
