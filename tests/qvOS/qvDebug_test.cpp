@@ -177,6 +177,21 @@ TEST_F(qvDebug, AStackDumpReadsTheWordsFromTheGivenPlace) {
   EXPECT_NE(std::string::npos, theTrace.mResult.mStdout.find("\n254: word\n255: gamma\n"));
 }
 
+TEST_F(qvDebug, TheStackDumpOfATraceBeginsAtItsOwnFrame) {
+  gBackTrace.mSymbols.resize(5);
+  Trace theTrace = TraceOf([] {
+    // Words of the caller's frame, which begins a little above the tracing function's own.
+    void* volatile theWords[8];
+    for (void* volatile& theWord : theWords) {
+      theWord = reinterpret_cast<void*>(0x1002);
+    }
+    qvDebug_BackTraceCurrent(0);
+    EXPECT_EQ(reinterpret_cast<void*>(0x1002), theWords[7]);
+  });
+  const std::string kDump = theTrace.mFile.substr(theTrace.mFile.find("04: epsilon\n"));
+  EXPECT_LE(8, CountOf(": gamma\n", kDump));
+}
+
 TEST_F(qvDebug, CopyingTheStackStopsWhereMemoryEnds) {
   size_t thePageSize = static_cast<size_t>(sysconf(_SC_PAGESIZE));
   char* thePages = static_cast<char*>(
@@ -216,6 +231,16 @@ TEST_F(qvDebug, AnOlderFileIsReplaced) {
     qvDebug_BackTraceCurrent(1);
   });
   EXPECT_EQ("log\n\nlog end\n", theTrace.mFile);
+}
+
+TEST_F(qvDebug, TheFileHasTheRightsThatTheProcessGivesToItsFiles) {
+  TraceOf([] {
+    umask(027);
+    qvDebug_BackTraceCurrent(1);
+    struct stat theStatus = {};
+    EXPECT_EQ(0, stat(TraceFile().c_str(), &theStatus));
+    EXPECT_EQ(0640u, theStatus.st_mode & 0777);
+  });
 }
 
 TEST_F(qvDebug, APlantedLinkIsNotFollowed) {

@@ -28,6 +28,7 @@ struct FakeSystem {
   int mStored = -1;
   bool mfGateFails = false;
   bool mfPostFails = false;
+  int mJoins = 0;
 };
 FakeSystem gSystem;
 
@@ -87,6 +88,11 @@ extern "C" int sem_post(sem_t* aSemaphore) noexcept {
     return -1;
   }
   return TheSystems(sem_post, "sem_post")(aSemaphore);
+}
+
+extern "C" int pthread_join(pthread_t aThread, void** aResult) {
+  ++gSystem.mJoins;
+  return TheSystems(pthread_join, "pthread_join")(aThread, aResult);
 }
 
 // Each test begins with a system that answers by itself.
@@ -171,6 +177,28 @@ TEST_F(qvThreadFaults, RunWithAGateThatDoesNotOpenIsAnErrorAndMayBeTriedAgain) {
   EXPECT_EQ(0, qvThread_Wait(theThread));
   EXPECT_EQ(1, theCalls);
   qvThread_Delete(theThread);
+}
+
+TEST_F(qvThreadFaults, AThreadIsJoinedOnceHoweverOftenItIsWaitedFor) {
+  int theCalls = 0;
+  qvOSThread_Data theData = Description(Count, &theCalls, qvThread_Kind_Joinable);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  qvThread_Run(theThread);
+  qvThread_Wait(theThread);
+  qvThread_Wait(theThread);
+  qvThread_Delete(theThread);
+  EXPECT_EQ(1, gSystem.mJoins);
+}
+
+TEST_F(qvThreadFaults, DeleteJoinsAThreadThatNeverRan) {
+  int theCalls = 0;
+  qvOSThread_Data theData = Description(Count, &theCalls, qvThread_Kind_Joinable);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  qvThread_Delete(theThread);
+  EXPECT_EQ(1, gSystem.mJoins) << "it is let through the gate and has ended";
+  EXPECT_EQ(0, theCalls);
 }
 
 TEST_F(qvThreadFaults, DeleteClearsTheMagicNumberBeforeTheMemoryIsFreed) {

@@ -216,6 +216,31 @@ TEST(qvThread, DetachedThreadNeedsNoDeleteFunction) {
   qvSemaphore_Delete(theLife.mDone);
 }
 
+struct DetachState {
+  int mState = -1;
+  qvOSSemaphore* mDone = qvSemaphore_New(0);
+};
+
+void RememberDetachState(void* aState) {
+  DetachState* theState = static_cast<DetachState*>(aState);
+  pthread_attr_t theAttributes;
+  pthread_getattr_np(pthread_self(), &theAttributes);
+  pthread_attr_getdetachstate(&theAttributes, &theState->mState);
+  pthread_attr_destroy(&theAttributes);
+  qvSemaphore_Post(theState->mDone);
+}
+
+TEST(qvThread, DetachedThreadIsDetachedForTheSystemToo) {
+  DetachState theState;
+  qvOSThread_Data theData = {RememberDetachState, nullptr, &theState, 0, qvThread_Kind_Detached, 0};
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  qvThread_Run(theThread);
+  ASSERT_EQ(0, qvSemaphore_WaitTimeout(theState.mDone, 60000));
+  EXPECT_EQ(PTHREAD_CREATE_DETACHED, theState.mState);
+  qvSemaphore_Delete(theState.mDone);
+}
+
 // The handle may be gone as soon as the gate is open; the sanitizers see a late use of it.
 TEST(qvThread, ManyDetachedThreadsReleaseTheirHandles) {
   DetachedLife theLife;
