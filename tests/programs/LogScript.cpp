@@ -21,6 +21,7 @@
 //   count-writes LEVEL MODULE TEXT  logs, and prints the number of write system calls that took
 //   clock SECONDS MICROSECONDS      stops the wall clock there
 //   zone TZ                         changes the time zone
+//   no-local-time                   makes the conversion to local time fail
 // clang-format on
 
 #include <signal.h>
