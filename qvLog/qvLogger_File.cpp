@@ -1,5 +1,7 @@
 #include "qvLog/qvLogger_File.h"
 
+#include <sys/types.h>
+
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
@@ -9,6 +11,9 @@
 #define kqvFileLogger_DefaultLevel  "Off"
 #define kqvFileLogger_DefaultFile   "stderr"
 #define kqvFileLogger_DefaultAppend 0
+
+// fopen then opens files beyond two gibibytes too, on every target.
+static_assert(sizeof(off_t) == 8, "a log file may be a large one");
 
 qvFileLogger* qvFileLogger::sInstance = NULL;
 

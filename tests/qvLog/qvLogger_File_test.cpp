@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "qvLog/qvMainLogger_p.h"
 #include "support/ClassLayout.h"
 #include "support/LogProgram.h"
@@ -281,6 +284,20 @@ TEST_F(qvFileLoggerTest, AFileIsStartedAnewUnlessAppendIsOne) {
                 MatchesRegex((theCase.mfKeeps ? "what was there\n" : "") + Lines({"x"})))
         << theCase.mAppend;
   }
+}
+
+TEST_F(qvFileLoggerTest, AFileBeyondTwoGibibytesIsContinued) {
+  const off_t kThreeGiB = 3221225472;
+  LogProgram theProgram;
+  theProgram.Configure("[file]\nlevel=all\nfile=out.txt\nappend=1\n");
+  std::string thePath = theProgram.Path("out.txt");
+  WriteWholeFile(thePath, "");
+  ASSERT_EQ(0, truncate(thePath.c_str(), kThreeGiB)) << "a hole, which takes no room";
+  EXPECT_EQ("", theProgram.Run({"log", "1", "0", "x\n"}).mStderr);
+  std::ifstream theFile(thePath, std::ios::binary);
+  theFile.seekg(kThreeGiB);
+  std::string theText{std::istreambuf_iterator<char>(theFile), {}};
+  EXPECT_THAT(theText, MatchesRegex(Lines({"x"})));
 }
 
 TEST_F(qvFileLoggerTest, MessagesWithoutLineEndsShareOneLineAndOnePrefix) {
