@@ -76,7 +76,7 @@ QVLOG_API char* qvPath_GetDefaultConfigPath(void);
  * in its second. 0 when there is no file, no such section or no number. When the text holds two line feeds
  * and aBranch is not null, *aBranch receives the branch as a new text; in every other case it is left alone.
  * Files of the 32-bit and of the 64-bit class are read, little-endian. The file need not be trusted: what it
- * says about itself is checked against its size, and of a section no more than the first 16 MiB are read. */
+ * says about itself is checked against its size, and of a stamp no more than the first 16 MiB are read. */
 QVLOG_API int qvPath_GetBinaryRevision(const char* aFilePath, char** aBranch);
 
 QV_END_DECLS

@@ -18,7 +18,7 @@
 #define kqvElf_ClassOffset     4        /* bytes; where the class stands in every file            */
 #define kqvElf_Class64         2        /* all other values are read with the 32-bit layout       */
 #define kqvElf_MaxHeaderSize   64       /* bytes; of a file header or a section header            */
-#define kqvElf_MaxSectionSize  16777216 /* bytes; no more are read of a section                  */
+#define kqvElf_MaxStampSize    16777216 /* bytes; no more are read of a stamp                     */
 
 // A little-endian number in a header.
 struct Elf_Field {
@@ -125,16 +125,14 @@ static bool Elf_ReadSectionHeader(const Elf_File* aFile, uint64 anIndex, Elf_Sec
   return true;
 }
 
-// The data of a section as a new text, with a terminator behind it; null when it is not whole in the file.
-// A sparse file can hold sections of any size, so a very long one is cut, and aSection->mSize with it.
-static char* Elf_ReadSectionData(const Elf_File* aFile, Elf_SectionHeader* aSection) {
+// The data of the stamp's section as a new text, with a terminator behind it; null when it is not whole in
+// the file. A sparse file can hold sections of any size, so a very long one is cut.
+static char* Elf_ReadSectionData(const Elf_File* aFile, const Elf_SectionHeader* aSection) {
   if (!Elf_IsInFile(aFile, aSection->mOffset, aSection->mSize)) {
     return NULL;
   }
-  if (aSection->mSize > kqvElf_MaxSectionSize) {
-    aSection->mSize = kqvElf_MaxSectionSize;
-  }
-  uint32 theSize = static_cast<uint32>(aSection->mSize);
+  uint32 theSize =
+      static_cast<uint32>(aSection->mSize < kqvElf_MaxStampSize ? aSection->mSize : kqvElf_MaxStampSize);
   char* theData = static_cast<char*>(qvMalloc(theSize + 1));
   if (!Elf_ReadAt(aFile, aSection->mOffset, theData, theSize)) {
     qvFree(theData);
@@ -144,23 +142,34 @@ static char* Elf_ReadSectionData(const Elf_File* aFile, Elf_SectionHeader* aSect
   return theData;
 }
 
+// Whether the text at aName in the section of names is that of the stamp. Only as many bytes are read as the
+// stamp's name has, however long the section is.
+static bool Elf_IsStampName(const Elf_File* aFile, const Elf_SectionHeader* aNames, uint64 aName) {
+  char theName[sizeof(kqvElf_StampSection)] = "";
+  if (aName >= aNames->mSize) {
+    return false;
+  }
+  uint64 theSize = aNames->mSize - aName;
+  if (theSize > sizeof(theName)) {
+    theSize = sizeof(theName);
+  }
+  return Elf_ReadAt(aFile, aNames->mOffset + aName, theName, static_cast<uint32>(theSize)) &&
+         memcmp(theName, kqvElf_StampSection, sizeof(theName)) == 0;
+}
+
 // Finds the first section of program data that bears the stamp's name.
 static bool Elf_FindStamp(const Elf_File* aFile, Elf_SectionHeader* aStamp) {
-  Elf_SectionHeader theNamesSection;
-  if (!Elf_ReadSectionHeader(aFile, aFile->mNamesIndex, &theNamesSection)) {
+  Elf_SectionHeader theNames;
+  if (!Elf_ReadSectionHeader(aFile, aFile->mNamesIndex, &theNames) ||
+      !Elf_IsInFile(aFile, theNames.mOffset, theNames.mSize)) {
     return false;
   }
-  char* theNames = Elf_ReadSectionData(aFile, &theNamesSection);
-  if (theNames == NULL) {
-    return false;
+  for (uint64 i = 1; i < aFile->mEntryCount && Elf_ReadSectionHeader(aFile, i, aStamp); ++i) {
+    if (aStamp->mType == kqvElf_TypeProgramData && Elf_IsStampName(aFile, &theNames, aStamp->mName)) {
+      return true;
+    }
   }
-  bool theIsFound = false;
-  for (uint64 i = 1; !theIsFound && i < aFile->mEntryCount && Elf_ReadSectionHeader(aFile, i, aStamp); ++i) {
-    theIsFound = aStamp->mType == kqvElf_TypeProgramData && aStamp->mName < theNamesSection.mSize &&
-                 strcmp(theNames + aStamp->mName, kqvElf_StampSection) == 0;
-  }
-  qvFree(theNames);
-  return theIsFound;
+  return false;
 }
 
 // The decimal number at the start, as atoi reads it; a number that no int holds becomes the nearest one.

@@ -267,13 +267,32 @@ TEST_P(qvPathRevision, ASectionMayClaimMoreThanMemoryHolds) {
   }
 }
 
-TEST_P(qvPathRevision, WhatLiesBehind16MiBOfASectionIsNotRead) {
+TEST_P(qvPathRevision, WhatLiesBehind16MiBOfAStampIsNotRead) {
   const std::string theLongest(16777216 - 3, 'b');
   EXPECT_EQ(theLongest, ReadStampText("3\n" + theLongest + "\n").mBranch);
   EXPECT_EQ(theLongest, ReadStampText("3\n" + theLongest + "\nmore").mBranch);
   Stamp theStamp = ReadStampText("3\nb" + theLongest + "\n");
   EXPECT_EQ(3, theStamp.mRevision);
   EXPECT_EQ(kUntouched, theStamp.mBranch);
+}
+
+TEST_P(qvPathRevision, TheSectionOfNamesMayBeOfAnyLength) {
+  const std::string theLongName(17 * 1024 * 1024, 'n');
+  Stamp theStamp = Read(ElfImage(GetParam()).Add(theLongName, "x").Add(kStampName, "6\nmain\n").Bytes());
+  EXPECT_EQ(6, theStamp.mRevision);
+  EXPECT_EQ("main", theStamp.mBranch);
+}
+
+TEST_P(qvPathRevision, TheEndOfTheSectionOfNamesEndsAName) {
+  ElfImage theImage(GetParam());
+  std::string theBytes = theImage.Add(kStampName, "7\nmain\n").Bytes();
+  const size_t theName = 1;  // behind the empty name of index 0
+  PutNumber(&theBytes, theImage.SizeField(theImage.NamesIndex()), theImage.WordSize(), theName + 13);
+  EXPECT_EQ(7, Read(theBytes).mRevision) << "the whole name, without its terminator";
+  PutNumber(&theBytes, theImage.SizeField(theImage.NamesIndex()), theImage.WordSize(), theName + 12);
+  ExpectNoStamp(theBytes, "the last character is outside");
+  PutNumber(&theBytes, theImage.SizeField(theImage.NamesIndex()), theImage.WordSize(), theName);
+  ExpectNoStamp(theBytes, "all of the name is outside");
 }
 
 TEST_P(qvPathRevision, TheFileIsClosedAgain) {
