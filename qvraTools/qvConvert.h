@@ -184,9 +184,9 @@ QVLOG_API int qvConvert_dlnaseconddurationstrtouint32(const char* aStr, uint32* 
 QVLOG_API int qvConvert_strnfractiontodouble(const char* aStr, size_t aLength, double* aDouble);
 QVLOG_API int qvConvert_strfractiontodouble(const char* aStr, double* aDouble);
 
-/* A number, n/d or w n/d, the parts of fractions being decimal 64-bit integers. Returns the result code of the
- * number parser that read the last part: a position counts from the start of that part, and in a fraction it
- * is a failure, since nothing may follow a part. The destination is 0 after a failure. A denominator of 0
+/* A number, n/d or w n/d, the parts of fractions being decimal 64-bit integers. Returns the result code of
+ * the number parser that read the last part: a position counts from the start of that part, and in a fraction
+ * it is a failure, since nothing may follow a part. The destination is 0 after a failure. A denominator of 0
  * gives 0 and leaves the destination alone. */
 QVLOG_API int qvConvert_strtodouble(const char* aStr, double* aDouble);
 
