@@ -1,0 +1,1 @@
+#include "tools/qvlogcat/LogFollower.h"
