@@ -56,13 +56,17 @@ class QVLOG_API qvLogDuration {
 // compiled in if the level above is below QVLOGLEVEL; off at run time, they do not evaluate the arguments of
 // their texts.
 #if QVLOGDURATION_LEVEL < QVLOGLEVEL
-#define _QVLOG_DURATION_NAME(aLine) _qvLog_theDuration_##aLine
-#define _QVLOG_DURATION_AT(aLine)   _QVLOG_DURATION_NAME(aLine)
-#define _QVLOG_DURATION_TEXT(Func) \
-  (_qvLog_IsLevelOn((qvLogLevel)(QVLOGDURATION_LEVEL)) ? qvLogDuration::qvLogDuration_##Func : NULL)
-#define _QVLOG_DURATION(aLogModule, aType, Func)                                                   \
-  qvLogDuration _QVLOG_DURATION_AT(__LINE__)((qvLogLevel)(QVLOGDURATION_LEVEL), aLogModule, aType, \
-                                             _QVLOG_DURATION_TEXT(Func))
+// The run-time gate is asked once, for the text: another thread may open it at any moment, and an object
+// without a text must not log. At level 0 an object never does.
+#define _QVLOG_DURATION(aLogModule, aType, Func) _QVLOG_DURATION_AT(__LINE__, aLogModule, aType, Func)
+#define _QVLOG_DURATION_AT(aLine, aLogModule, aType, Func) \
+  _QVLOG_DURATION_IN_LINE(aLine, aLogModule, aType, Func)
+#define _QVLOG_DURATION_IN_LINE(aLine, aLogModule, aType, Func)                                         \
+  const char* const _qvLog_theText##aLine =                                                             \
+      _qvLog_IsLevelOn((qvLogLevel)(QVLOGDURATION_LEVEL)) ? qvLogDuration::qvLogDuration_##Func : NULL; \
+  qvLogDuration _qvLog_theDuration##aLine(                                                              \
+      (qvLogLevel)(_qvLog_theText##aLine != NULL ? QVLOGDURATION_LEVEL : QVLOGLEVEL_NONE), aLogModule,  \
+      aType, _qvLog_theText##aLine)
 #define QVLOG_START(aLogModule, Func)    _QVLOG_DURATION(QVLOG_M_##aLogModule, kqvLogDuration_Start, Func)
 #define QVLOG_STOP(aLogModule, Func)     _QVLOG_DURATION(QVLOG_M_##aLogModule, kqvLogDuration_Stop, Func)
 #define QVLOG_LOAD(aLogModule, Func)     _QVLOG_DURATION(QVLOG_M_##aLogModule, kqvLogDuration_Load, Func)

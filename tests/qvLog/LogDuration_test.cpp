@@ -217,6 +217,38 @@ TEST_F(LogDuration, WrongFormatGivesQuestionMarks) {
   qvFree(theText);
 }
 
+TEST_F(LogDuration, FieldsHoldWhatWasGivenWhetherItIsLoggedOrNot) {
+  for (qvLogLevel theLevel : {4, 6}) {  // below the threshold and above it
+    char* theText = qvStrdup("x");
+    qvLogDuration theDuration(theLevel, QVLOG_M_DEMUX, kqvLogDuration_InOut, theText);
+    EXPECT_EQ(theLevel, theDuration.mLogLevel);
+    EXPECT_EQ(QVLOG_M_DEMUX, theDuration.mLogModule);
+    EXPECT_EQ(6, theDuration.mLogType);
+    EXPECT_EQ(theText, theDuration.mText);
+    EXPECT_EQ(theLevel == 4, theDuration.mfStarted);
+  }
+}
+
+TEST_F(LogDuration, MessagesThatStartAtLevelZeroAreNeverLogged) {
+  { qvLogDuration theDuration(QVLOGLEVEL_NONE, 0, kqvLogDuration_Run, qvStrdup("x")); }
+  EXPECT_TRUE(sMessages.empty());
+}
+
+TEST_F(LogDuration, TheTimeThatTheStartMessageTakesDoesNotCount) {
+  RecordingLogger theLogger(5);
+  qvULongLong theEndOfTheMessage = qvULongLong_Init(0, 0);
+  theLogger.mOnAppend = [&] {
+    qvULongLong theBegin;
+    qvChrono_S_GetTimeMS(&theBegin);
+    do {
+      qvChrono_S_GetTimeMS(&theEndOfTheMessage);
+    } while (qvULongLong_Equal(&theBegin, &theEndOfTheMessage));
+    theLogger.mOnAppend = nullptr;
+  };
+  qvLogDuration theDuration(QVLOGLEVEL_ERROR, 0, kqvLogDuration_Run, qvStrdup("x"));
+  EXPECT_FALSE(qvULongLong_Less(&theDuration.mChrono.mStartTime, &theEndOfTheMessage));
+}
+
 TEST_F(LogDuration, StatementsMakeScopedObjects) {
   {
     QVLOG_START(TUNER, F("channel %d", 7));
@@ -241,6 +273,13 @@ TEST_F(LogDuration, EachStatementHasItsKind) {
                            "Stopping: a\n", "Unloading: b\n", "Running: c\n",
                            testing::StartsWith("Performed : d ("), testing::StartsWith("Done : c ("),
                            testing::StartsWith("Unloaded : b ("), testing::StartsWith("Stopped : a (")));
+}
+
+TEST_F(LogDuration, StatementWhoseLevelRisesWhileItBeginsStaysSilent) {
+  qvLog_SetLogFunc(QVLOGLEVEL_WARNING, Remember, nullptr);
+  auto raise = [] { qvLog_SetLogFunc(QVLOGLEVEL_DEBUG, Remember, nullptr); };
+  { QVLOG_RUN(TUNER + (raise(), 0), F("x")); }
+  EXPECT_THAT(Texts(), testing::IsEmpty()) << "its text has been left out already";
 }
 
 TEST_F(LogDuration, StatementThatIsOffEvaluatesNoArgument) {
