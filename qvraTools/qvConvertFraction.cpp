@@ -1,6 +1,7 @@
 // qvConvertFraction.cpp - plain and mixed fractions such as 1 1/2, read and written.
 #include <locale.h>
 #include <math.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -116,7 +117,8 @@ int qvConvert_strnfractiontodouble(const char* aStr, size_t aLength, double* aDo
   if (aStr == NULL) {
     return 1;
   }
-  char* theCopy = static_cast<char*>(qvMalloc(aLength + 2));
+  // No machine has memory for the longest lengths; two more bytes must not come to none.
+  char* theCopy = static_cast<char*>(qvMalloc(aLength <= SIZE_MAX - 2 ? aLength + 2 : SIZE_MAX));
   memcpy(theCopy, aStr, aLength);
   theCopy[aLength] = kSentinel;
   theCopy[aLength + 1] = '\0';

@@ -1,4 +1,5 @@
 // qvConvertHex.cpp - byte buffers to hexadecimal text and back, and byte-order reversal.
+#include <stdint.h>
 #include <string.h>
 
 #include "qvraTools/qvAssert.h"
@@ -40,7 +41,9 @@ int qvConvert_buffertohexstr(const uint8* aBuffer, size_t aBufferLength, size_t 
     *aStr = NULL;
     return kqvConvertError_Invalid;
   }
-  char* theStr = static_cast<char*>(qvMalloc(2 * aBufferLength + 1));
+  // No machine has memory for the text of more than half of all bytes; its size must not wrap round.
+  char* theStr =
+      static_cast<char*>(qvMalloc(aBufferLength <= (SIZE_MAX - 1) / 2 ? 2 * aBufferLength + 1 : SIZE_MAX));
   char* theOut = theStr;
   for (size_t theOffset = 0; theOffset < aBufferLength; theOffset += aWordSize) {
     uint32 theWord = 0;

@@ -12,7 +12,7 @@ namespace {
 constexpr char kSeparatorFree = '*';  // which separator follows is decided in qvConvert_S_NextDateField
 constexpr int kDateFieldCount = 9;    // as a field index: the date is complete
 
-enum DateField { kDateSecond = 5, kDateMillisecond = 6, kDateZoneHour = 7 };
+enum DateField { kDateMillisecond = 6, kDateZoneHour = 7 };
 
 struct DateFieldRule {
   int32 mMin;

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
+#include <string.h>
 
 #include <string>
 #include <vector>
@@ -28,6 +30,8 @@ const ToTextCase kToTextCases[] = {
     {{0x12, 0x34}, 1, kqvConvertBuffer_LittleEndian, "1234", "no order with single bytes"},
     {{0xAB, 0xCD, 0xEF}, 1, kqvConvertBuffer_BigEndian, "abcdef", "digits are lower-case"},
     {{0x80, 0xFF, 0x00}, 1, kqvConvertBuffer_BigEndian, "80ff00", "bytes above 0x7F and zero"},
+    {{0x00, 0x0A, 0xF0, 0xBC}, 4, kqvConvertBuffer_BigEndian, "000af0bc", "zeros in front, letters"},
+    {{0x00, 0x0A, 0xF0, 0xBC}, 2, kqvConvertBuffer_LittleEndian, "0a00bcf0", "in words of two bytes too"},
     {{}, 4, kqvConvertBuffer_BigEndian, "", "an empty buffer gives an empty text"},
 };
 
@@ -61,6 +65,11 @@ struct ToBufferCase {
 const ToBufferCase kToBufferCases[] = {
     {"0xABcd", 1, kqvConvertBuffer_BigEndian, {0xAB, 0xCD}, "prefix skipped, either case"},
     {"0Xff", 1, kqvConvertBuffer_BigEndian, {0xFF}, "prefix with a capital"},
+    {"0123456789abcdefABCDEF",
+     1,
+     kqvConvertBuffer_BigEndian,
+     {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xAB, 0xCD, 0xEF},
+     "every digit"},
     {"01020304", 4, kqvConvertBuffer_BigEndian, {1, 2, 3, 4}, "big-endian: in the order of the text"},
     {"01020304", 4, kqvConvertBuffer_LittleEndian, {4, 3, 2, 1}, "little-endian: the word is turned"},
     {"01020304", 4, kqvConvertBuffer_NativeEndian, {4, 3, 2, 1}, "native is little-endian"},
@@ -68,6 +77,8 @@ const ToBufferCase kToBufferCases[] = {
     {"0102", 2, kqvConvertBuffer_BigEndian, {1, 2}, "one word of two bytes"},
     {"0102", 1, kqvConvertBuffer_LittleEndian, {1, 2}, "no order with single bytes"},
     {"ff80", 4, kqvConvertBuffer_BigEndian, {0, 0}, "an incomplete word leaves zeros"},
+    {"0102030405ff", 4, kqvConvertBuffer_BigEndian, {1, 2, 3, 4, 0, 0}, "behind complete ones too"},
+    {"0102ff", 2, kqvConvertBuffer_LittleEndian, {2, 1, 0}, "and in words of two bytes"},
     {"0102030405060708ff80",
      2,
      kqvConvertBuffer_BigEndian,
@@ -78,6 +89,7 @@ const ToBufferCase kToBufferCases[] = {
 };
 
 TEST(qvConvertHex, TextBecomesBuffer) {
+  mallopt(M_PERTURB, 0xAA);  // new blocks are full of 0x55, so that a zero has been written
   for (const ToBufferCase& theCase : kToBufferCases) {
     SCOPED_TRACE(theCase.mWhy);
     uint8* theBuffer = nullptr;
@@ -100,6 +112,12 @@ TEST(qvConvertHex, BadTextGivesNoBuffer) {
   } kCases[] = {
       {"abc", 3, 1, "odd number of digits"},
       {"0", 1, 1, "one character is no prefix"},
+      {"0x12", 1, 1, "nor with the rest of one behind the length"},
+      {"0/", 2, 1, "no digit: the character before '0'"},
+      {"0:", 2, 1, "the one behind '9'"},
+      {"0@", 2, 1, "the one before 'A'"},
+      {"0G", 2, 1, "the one behind 'F'"},
+      {"0`", 2, 1, "the one before 'a'"},
       {"0xabc", 5, 1, "odd number of digits behind the prefix"},
       {"abcdef", 6, 4, "no multiple of the word size"},
       {"0g", 2, 1, "no digit"},
@@ -147,6 +165,8 @@ TEST(qvConvertHex, WordSizeMustBeOneTwoOrFour) {
   EXPECT_QV_ASSERTION(qvConvert_buffertohexstr(kBytes, 3, 3, 0, &theText), kText, "qvConvert");
   EXPECT_QV_ASSERTION(qvConvert_buffertohexstr(kBytes, 0, 0, 0, &theText), kText, "qvConvert");
   EXPECT_QV_ASSERTION(qvConvert_hexstrntobuffer("00", 2, 8, 0, &theBuffer, &theLength), kText, "qvConvert");
+  EXPECT_QV_ASSERTION(qvConvert_hexstrntobuffer(nullptr, 0, 3, 0, &theBuffer, &theLength), kText,
+                      "qvConvert");
 }
 
 TEST(qvConvertHex, OrderMustBeOneOfTheThree) {

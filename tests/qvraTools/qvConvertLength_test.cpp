@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <stdint.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -131,15 +132,34 @@ TEST(qvConvertLength, TheHexadecimalFormStopsAtTheEndOfAText) {
   EXPECT_EQ(31u, theValue);
 }
 
-TEST(qvConvertLength, ALengthThatNoMachineHasEndsTheProcess) {
-  const ChildResult theResult = RunInChild([] {
-    uint32 theValue = 0;
-    qvConvert_strntouint32("12", SIZE_MAX, &theValue);
-  });
+void ExpectOutOfMemory(const std::function<void()>& aCall) {
+  const ChildResult theResult = RunInChild(aCall);
   const char* theExpected = sizeof(size_t) == 8 ? "qvFatalError: memory:malloc, size=18446744073709551615"
                                                 : "qvFatalError: memory:malloc, size=4294967295";
   EXPECT_EQ(SIGABRT, theResult.mSignal);
   EXPECT_EQ(theExpected, FatalLine(theResult.mStderr));
+}
+
+TEST(qvConvertLength, ALengthThatNoMachineHasEndsTheProcess) {
+  ExpectOutOfMemory([] {
+    uint32 theValue = 0;
+    qvConvert_strntouint32("12", SIZE_MAX, &theValue);
+  });
+}
+
+TEST(qvConvertLength, AFractionOfALengthThatNoMachineHasEndsTheProcess) {
+  ExpectOutOfMemory([] {
+    double theValue = 0.0;
+    qvConvert_strnfractiontodouble("1/2", SIZE_MAX - 1, &theValue);
+  });
+}
+
+TEST(qvConvertLength, ABufferWhoseTextNoMachineHasRoomForEndsTheProcess) {
+  ExpectOutOfMemory([] {
+    const uint8 kBytes[1] = {0};
+    char* theText = nullptr;
+    qvConvert_buffertohexstr(kBytes, SIZE_MAX / 2 + 1, 1, kqvConvertBuffer_BigEndian, &theText);
+  });
 }
 
 TEST(qvConvertLength, TheCopyIsGivenBack) {
