@@ -1,0 +1,152 @@
+// However a stream is cut into pieces, the same records come out; and what comes out is what went in, byte by
+// byte, in whatever order the bytes, the pauses and the time limits come.
+#include "tools/logstream/LogStreamParser.h"
+
+#include <vector>
+
+#include "FuzzInput.h"
+
+namespace {
+
+// Puts the stream together again and remembers how the records looked.
+class Rebuilder : public LogRecordSink {
+ public:
+  explicit Rebuilder(size_t aMaxLine) : mMaxLine(aMaxLine) {}
+
+  void Take(const LogRecord& aRecord) override {
+    switch (aRecord.mKind) {
+      case LogRecordKind_Line:
+        TakeLine(aRecord);
+        break;
+      case LogRecordKind_Connect:
+        FUZZ_REQUIRE(mStream.empty() && aRecord.mUUID.size() == 36);
+        mHeaderCount = aRecord.mCount;
+        mStream = "\nPROTOCOL: qvLogd-1.0\nUUID: " + std::string(aRecord.mUUID) +
+                  "\nLOST: " + std::to_string(aRecord.mCount) + "\nNAME: " + std::string(aRecord.mProcess) +
+                  "(log started, " + std::to_string(aRecord.mCount) + " logs previously lost)\n";
+        break;
+      case LogRecordKind_Lost:
+        mStream += "\nLOST: " + std::to_string(aRecord.mCount) + "\n";
+        break;
+      case LogRecordKind_Disconnect:
+        ++mDisconnects;
+        break;
+      default:
+        FUZZ_REQUIRE(false);
+    }
+    mRecords += std::to_string(aRecord.mKind) + (aRecord.mfContinuation ? "+" : ":") +
+                (aRecord.mfPartial ? "~" : ".") + std::to_string(aRecord.mCount);
+    for (std::string_view theField : {aRecord.mProcess, aRecord.mUUID, std::string_view(&aRecord.mLevel, 1),
+                                      aRecord.mStamp, aRecord.mThread, aRecord.mModule, aRecord.mText}) {
+      mRecords.append(theField).push_back('\n');
+    }
+  }
+
+  // Whether the records hold aStream, behind a loss report that the header repeats or without one. Line ends
+  // behind partial lines cannot be told, so afExactly compares without them.
+  bool Holds(const std::string& aStream, bool afExactly) const {
+    std::string theReport = "\nLOST: " + std::to_string(mHeaderCount) + "\n";
+    std::string theBegin = mHeaderCount != UINT64_MAX ? theReport : "";
+    if (!afExactly) {
+      std::string theStream = WithoutLineEnds(aStream);
+      return theStream == WithoutLineEnds(mStream) || theStream == WithoutLineEnds(theBegin + mStream);
+    }
+    return aStream == mStream || aStream == theBegin + mStream;
+  }
+
+  std::string mRecords;
+  uint64_t mHeaderCount = UINT64_MAX;
+  int mDisconnects = 0;
+
+ private:
+  void TakeLine(const LogRecord& aRecord) {
+    FUZZ_REQUIRE(aRecord.mRaw.size() <= mMaxLine);
+    FUZZ_REQUIRE(aRecord.mRaw.size() >= aRecord.mText.size());
+    FUZZ_REQUIRE(aRecord.mRaw.substr(aRecord.mRaw.size() - aRecord.mText.size()) == aRecord.mText);
+    FUZZ_REQUIRE(aRecord.mRaw.find('\n') == std::string_view::npos);
+    mStream.append(aRecord.mRaw);
+    if (!aRecord.mfPartial) {
+      mStream += '\n';
+    }
+  }
+
+  static std::string WithoutLineEnds(const std::string& aText) {
+    std::string theText;
+    for (char theChar : aText) {
+      if (theChar != '\n') {
+        theText += theChar;
+      }
+    }
+    return theText;
+  }
+
+  size_t mMaxLine;
+  std::string mStream;
+};
+
+}  // namespace
+
+// Takes the stream in one piece.
+static std::string ParseWhole(const std::string& aStream, const LogStreamLimits& aLimits) {
+  Rebuilder theSink(aLimits.mLineLength);
+  LogStreamParser theParser(aLimits, theSink);
+  theParser.Feed(aStream.data(), aStream.size(), 0);
+  theParser.Close(0);
+  FUZZ_REQUIRE(theSink.Holds(aStream, true));
+  FUZZ_REQUIRE(theSink.mDisconnects == (theParser.HasHeader() ? 1 : 0));
+  FUZZ_REQUIRE((theSink.mHeaderCount != UINT64_MAX) == theParser.HasHeader());
+  FUZZ_REQUIRE(theParser.HasHeader() || theParser.Fault() != nullptr);
+  FUZZ_REQUIRE(theParser.FaultOffset() <= aStream.size());
+  return theSink.mRecords;
+}
+
+// Takes it in pieces whose lengths the bytes of aCuts tell; with the top bit of a byte there is a pause. The
+// piece's bytes are gone after the call, so that a parser that still looks at them is found.
+static void ParsePieces(const std::string& aStream, const std::string& aCuts, const LogStreamLimits& aLimits,
+                        bool afFlush, std::string* aRecords) {
+  Rebuilder theSink(aLimits.mLineLength);
+  LogStreamParser theParser(aLimits, theSink);
+  size_t theStart = 0;
+  for (size_t i = 0; theStart < aStream.size(); ++i) {
+    unsigned int theCut = aCuts.empty() ? 0 : static_cast<unsigned char>(aCuts[i % aCuts.size()]);
+    std::vector<char> thePiece;
+    size_t theLength = theCut % 64 == 63 ? 1000 : theCut % 64 + 1;
+    for (; theLength > 0 && theStart < aStream.size(); --theLength) {
+      thePiece.push_back(aStream[theStart++]);
+    }
+    theParser.Feed(thePiece.data(), thePiece.size(), static_cast<int64>(i));
+    if ((theCut & 0x80) != 0) {
+      theParser.Drain();
+    }
+    if ((theCut & 0x40) != 0 && afFlush) {
+      theParser.Flush();
+      FUZZ_REQUIRE(!theParser.IsWaiting());
+    }
+    FUZZ_REQUIRE(!theParser.IsWaiting() || theParser.WaitingSince() <= static_cast<int64>(i));
+  }
+  theParser.Close(0);
+  FUZZ_REQUIRE(!theParser.IsWaiting());
+  FUZZ_REQUIRE(theSink.Holds(aStream, !afFlush));
+  *aRecords = theSink.mRecords;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
+  FuzzInput theInput(aBytes, aLength);
+  LogStreamLimits theLimits;
+  uint8_t theLimit = theInput.Byte();
+  if (theLimit < 200) {
+    theLimits.mLineLength = static_cast<size_t>(theLimit) + 1;
+  }
+  uint8_t theHeaderLimit = theInput.Byte();
+  if (theHeaderLimit < 200) {
+    theLimits.mHeaderLength = theHeaderLimit;
+  }
+  std::string theCuts = theInput.Text();
+  std::string theStream = theInput.Rest();
+  std::string theWhole = ParseWhole(theStream, theLimits);
+  std::string thePieces;
+  ParsePieces(theStream, theCuts, theLimits, false, &thePieces);
+  FUZZ_REQUIRE(thePieces == theWhole);
+  ParsePieces(theStream, theCuts, theLimits, true, &thePieces);
+  return 0;
+}
