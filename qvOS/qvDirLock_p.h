@@ -1,7 +1,10 @@
 /* qvDirLock_p.h - keeps the processes and threads that change files of one directory apart.
  *
  * The lock is advisory and lies on the directory itself: no file is made for it, and the system gives it back
- * when the process dies. Where a directory cannot be locked, the caller goes on without. */
+ * when the process dies. A process that is stopped keeps it, so nobody waits for ever.
+ *
+ * Where a directory cannot be locked at all, the caller goes on without: there is nothing better. Where it
+ * cannot be locked now, the caller leaves the files alone. */
 #ifndef QVOS_QVDIRLOCK_P_H
 #define QVOS_QVDIRLOCK_P_H
 
@@ -9,16 +12,19 @@
 
 QV_BEGIN_DECLS
 
-/* The open directory; kqvDirLockNone where it could not be opened. */
+/* The open directory, locked unless its file system has no locks; or one of the two values below. */
 typedef int qvDirLock;
-#define kqvDirLockNone ((qvDirLock)-1)
+#define kqvDirLockNone ((qvDirLock)-1) /* the directory is not there or may not be read: go on without */
+#define kqvDirLockBusy ((qvDirLock)-2) /* somebody else may be at work: leave the files alone          */
 
-/* Waits for the lock of the directory that a file lies in, or is to lie in, and takes it. Two locks of one
- * directory exclude each other, also in one thread. */
-qvDirLock qvDirLock_AcquireForFile(const char* aFilePath);
+/* Waits at most aMSLimit milliseconds for the lock of the directory that a file lies in, or is to lie in, and
+ * takes it. Signals do not shorten the wait. Two locks of one directory exclude each other, also in one
+ * thread. */
+qvDirLock qvDirLock_AcquireForFile(const char* aFilePath, uint32 aMSLimit);
 
-/* Waits until the medium holds the directory's names. Does nothing without an open directory. */
-void qvDirLock_SyncDirectory(qvDirLock aLock);
+/* Waits until the medium holds the directory's names. Returns 0 when it reports that it does not; a file
+ * system that does not know this, and no open directory, give 1. */
+int qvDirLock_SyncDirectory(qvDirLock aLock);
 
 void qvDirLock_Release(qvDirLock aLock);
 

@@ -7,6 +7,7 @@
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvConfigFileINISave_p.h"
 #include "qvraTools/qvINIFile.h"
+#include "qvraTools/qvINIFile_p.h"
 #include "qvraTools/qvMalloc.h"
 
 // The table of this back-end, there while sfReady is set, with the count of its users.
@@ -16,6 +17,20 @@ static qvAtomic_int sfReady = 0;
 // Closes the gap between seeing the table ready and being counted: without it, the last release could free
 // the table in between.
 static std::mutex sTableLock;
+
+namespace {
+
+// What a configuration file is, with what its public part does not show.
+struct PrivateObject {
+  qvConfigFile_INI mPublic;
+  int mfIsUnread;  // the read-write layer is not what is on disk, because that could not be read
+};
+
+}  // namespace
+
+static PrivateObject* qvConfigFile_INI_S_PrivateObject(qvConfigFile* aConfigFile) {
+  return reinterpret_cast<PrivateObject*>(aConfigFile);
+}
 
 static qvConfigFile_INI* qvConfigFile_INI_S_Object(qvConfigFile* aConfigFile) {
   return reinterpret_cast<qvConfigFile_INI*>(aConfigFile);
@@ -36,9 +51,18 @@ static char* qvConfigFile_INI_S_FullName(const char* aFileName) {
   return aFileName != NULL ? qvPath_Normalize(aFileName, 0, kqvPathNormalizeMode_Generic, NULL) : NULL;
 }
 
+// Returns 0 when there are read-write settings, or may be, that the dictionary does not hold now.
+static int qvConfigFile_INI_S_LoadReadWriteFile(const char* aFileName, qvDictionary* aDictionary) {
+  int theIsSettled = qvConfigFile_INI_S_CheckAndRepairFile(aFileName);
+  int theError = qvINIFile_S_LoadINIFileOrError(aFileName, aDictionary);
+  return theIsSettled && (theError == 0 || theError == kqvFileErrorNotFound);
+}
+
 static qvConfigFile* qvConfigFile_INI_New(qvConfigFileBackend* aBackend, const char* aReadOnlyFileName,
                                           const char* aReadWriteFileName, const char* /*aFileName*/) {
-  qvConfigFile_INI* theObject = static_cast<qvConfigFile_INI*>(qvMalloc(sizeof(qvConfigFile_INI)));
+  PrivateObject* thePrivateObject = static_cast<PrivateObject*>(qvMalloc(sizeof(PrivateObject)));
+  thePrivateObject->mfIsUnread = 0;
+  qvConfigFile_INI* theObject = &thePrivateObject->mPublic;
   theObject->mROFileName = qvConfigFile_INI_S_FullName(aReadOnlyFileName);
   theObject->mRWFileName = qvConfigFile_INI_S_FullName(aReadWriteFileName);
   theObject->mRODictionary = qvDictionary_New(0);
@@ -47,8 +71,8 @@ static qvConfigFile* qvConfigFile_INI_New(qvConfigFileBackend* aBackend, const c
     qvINIFile_LoadINIFile(theObject->mROFileName, theObject->mRODictionary);
   }
   if (theObject->mRWFileName != NULL) {
-    qvConfigFile_INI_S_CheckAndRepairFile(theObject->mRWFileName);
-    qvINIFile_LoadINIFile(theObject->mRWFileName, theObject->mRWDictionary);
+    thePrivateObject->mfIsUnread =
+        !qvConfigFile_INI_S_LoadReadWriteFile(theObject->mRWFileName, theObject->mRWDictionary);
   }
   // Stored through the type through which the facade reads it.
   qvConfigFile* theConfigFile = reinterpret_cast<qvConfigFile*>(theObject);
@@ -71,11 +95,14 @@ static void qvConfigFile_INI_Reset(qvConfigFile* aConfigFile) {
     qvDictionary_Delete(theObject->mRWDictionary);
     theObject->mRWDictionary = qvDictionary_New(0);
   }
+  // The caller gives up what is on disk.
+  qvConfigFile_INI_S_PrivateObject(aConfigFile)->mfIsUnread = 0;
 }
 
 static int qvConfigFile_INI_Save(qvConfigFile* aConfigFile) {
   qvConfigFile_INI* theObject = qvConfigFile_INI_S_Object(aConfigFile);
-  return theObject->mRWFileName != NULL &&
+  // Settings that could not be read must not be replaced by those that were set since.
+  return theObject->mRWFileName != NULL && !qvConfigFile_INI_S_PrivateObject(aConfigFile)->mfIsUnread &&
          qvConfigFile_INI_S_SaveFile(theObject->mRWFileName, theObject->mRWDictionary);
 }
 

@@ -1,3 +1,4 @@
+#include "qvOS/qvDir.h"
 #include "qvOS/qvDirLock_p.h"
 #include "qvOS/qvFile.h"
 #include "qvraTools/format/qvFormat.h"
@@ -11,6 +12,11 @@
 // The name of a sibling of the file; the caller releases it.
 static char* qvConfigFile_INI_S_GetNewINIFileName(const char* aFileName, const char* aSuffix) {
   return qv_mnprintf("%s%s", aFileName, aSuffix);
+}
+
+// Only what the system says is not there is absent: a question that it cannot answer is no answer.
+static int qvConfigFile_INI_S_IsAbsent(const char* aFileName) {
+  return qvFile_GetTimes(aFileName, NULL, NULL, NULL) == kqvFileErrorNotFound;
 }
 
 static void qvConfigFile_INI_S_RepairLocked(const char* aFileName, const char* aTemporaryName,
@@ -35,29 +41,39 @@ static int qvConfigFile_INI_S_SaveLocked(const char* aFileName, const char* aTem
     return 0;
   }
   // From here on the save survives a power failure.
-  qvDirLock_SyncDirectory(aLock);
+  if (!qvDirLock_SyncDirectory(aLock)) {
+    qvFile_Remove(aCompletedName);
+    return 0;
+  }
   return qvFile_Rename(aCompletedName, aFileName) == 0;
 }
 
-void qvConfigFile_INI_S_CheckAndRepairFile(const char* aFileName) {
+int qvConfigFile_INI_S_CheckAndRepairFile(const char* aFileName) {
   char* theTemporaryName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_TemporarySuffix);
   char* theCompletedName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
+  int theResult = qvConfigFile_INI_S_IsAbsent(theCompletedName);
   // Looked at before the lock, so that an ordinary open waits for nobody. What is there may belong to a save
   // that is under way: then it is gone once the lock is taken.
-  if (qvFile_Exists(theTemporaryName) || qvFile_Exists(theCompletedName)) {
-    qvDirLock theLock = qvDirLock_AcquireForFile(aFileName);
-    qvConfigFile_INI_S_RepairLocked(aFileName, theTemporaryName, theCompletedName);
+  if (!theResult || !qvConfigFile_INI_S_IsAbsent(theTemporaryName)) {
+    qvDirLock theLock = qvDirLock_AcquireForFile(aFileName, kqvConfigFile_INI_LockLimit);
+    if (theLock != kqvDirLockBusy) {
+      qvConfigFile_INI_S_RepairLocked(aFileName, theTemporaryName, theCompletedName);
+    }
+    // A folder of that name is none of ours.
+    theResult = qvConfigFile_INI_S_IsAbsent(theCompletedName) || qvDir_Exists(theCompletedName);
     qvDirLock_Release(theLock);
   }
   qvFree(theTemporaryName);
   qvFree(theCompletedName);
+  return theResult;
 }
 
 int qvConfigFile_INI_S_SaveFile(const char* aFileName, qvDictionary* aDictionary) {
   char* theTemporaryName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_TemporarySuffix);
   char* theCompletedName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
-  qvDirLock theLock = qvDirLock_AcquireForFile(aFileName);
+  qvDirLock theLock = qvDirLock_AcquireForFile(aFileName, kqvConfigFile_INI_LockLimit);
   int theResult =
+      theLock != kqvDirLockBusy &&
       qvConfigFile_INI_S_SaveLocked(aFileName, theTemporaryName, theCompletedName, aDictionary, theLock);
   qvDirLock_Release(theLock);
   qvFree(theTemporaryName);

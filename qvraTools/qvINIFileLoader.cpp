@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "qvOS/qvFile_p.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvConvert.h"
 #include "qvraTools/qvINIFile.h"
@@ -136,36 +137,44 @@ static int qvINIFile_S_LoadINIFile(const LoadIniFileContext* aContext, qvDiction
   }
 }
 
-// Reads the whole open file into a new buffer, which the caller releases; null after an error.
-static char* qvINIFile_S_ReadWholeFile(LoadIniFileContext* aContext) {
+// Reads the whole open file into a new buffer, the text of the context, which the caller releases. Returns 0,
+// or the error of qvFile; there is no buffer then.
+static int qvINIFile_S_ReadWholeFile(LoadIniFileContext* aContext) {
   size_t theSize = 0;
   char* theBuffer = static_cast<char*>(qvMalloc(kqvINIFile_ReadPartSize));
   for (;;) {
     int64 theCount = qvFile_Read(aContext->mFD, theBuffer + theSize, kqvINIFile_ReadPartSize);
     if (theCount < 0) {
       qvFree(theBuffer);
-      return NULL;
+      return static_cast<int>(theCount);
     }
     theSize += static_cast<size_t>(theCount);
     if (theCount < kqvINIFile_ReadPartSize) {
       aContext->mBuffer = theBuffer;
       aContext->mBufferSize = theSize;
-      return theBuffer;
+      return 0;
     }
     theBuffer = static_cast<char*>(qvRealloc(theBuffer, theSize + kqvINIFile_ReadPartSize));
   }
 }
 
-int qvINIFile_LoadINIFile(const char* aFileName, qvDictionary* aDictionary) {
+int qvINIFile_S_LoadINIFileOrError(const char* aFileName, qvDictionary* aDictionary) {
   LoadIniFileContext theContext = {kqvFileFDInvalid, NULL, 0};
-  if (qvFile_Open(aFileName, qvFileOpenMode_Read, qvFileAccessMode_Read, &theContext.mFD) != 0) {
-    return 0;
+  int theError = qvFile_S_OpenUninterrupted(aFileName, qvFileOpenMode_Read, &theContext.mFD);
+  if (theError != 0) {
+    return theError;
   }
-  char* theBuffer = qvINIFile_S_ReadWholeFile(&theContext);
-  int theResult = theBuffer != NULL && qvINIFile_S_LoadINIFile(&theContext, aDictionary);
-  qvFree(theBuffer);
+  theError = qvINIFile_S_ReadWholeFile(&theContext);
+  if (theError == 0) {
+    qvINIFile_S_LoadINIFile(&theContext, aDictionary);
+    qvFree(const_cast<char*>(theContext.mBuffer));
+  }
   qvFile_Close(theContext.mFD);
-  return theResult;
+  return theError;
+}
+
+int qvINIFile_LoadINIFile(const char* aFileName, qvDictionary* aDictionary) {
+  return qvINIFile_S_LoadINIFileOrError(aFileName, aDictionary) == 0;
 }
 
 int qvINIFile_LoadINIFileFromBuffer(const char* aBuffer, size_t aBufferSize, qvDictionary* aDictionary) {

@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "qvOS/qvFile_p.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
@@ -88,8 +89,8 @@ static int qvINIFile_S_OpenForSave(const char* aFileName, qvFileFD* aFD) {
   if (thePath == NULL) {
     return 0;
   }
-  int theError = qvFile_Open(thePath, qvFileOpenMode_Write | qvFileOpenMode_Create | qvFileOpenMode_Truncate,
-                             qvFileAccessMode_ReadWrite, aFD);
+  int theError = qvFile_S_OpenUninterrupted(
+      thePath, qvFileOpenMode_Write | qvFileOpenMode_Create | qvFileOpenMode_Truncate, aFD);
   qvFree(thePath);
   return theError == 0;
 }

@@ -25,6 +25,9 @@ int qvINIFile_S_IsSection(const char* aDictionaryKey);
 const char* qvINIFile_S_GetKeyOfSection(const char* aDictionaryKey, const char* aSection,
                                         size_t aSectionLength);
 
+/* Loads like qvINIFile_LoadINIFile. Returns 0 or the error of qvFile that made it impossible. */
+int qvINIFile_S_LoadINIFileOrError(const char* aFileName, qvDictionary* aDictionary);
+
 /* Saves like qvINIFile_SaveINIFile, but returns 1 only when the medium holds the whole file, and 0 after any
  * error; the file is then in any state. */
 int qvINIFile_S_SaveINIFileDurably(const char* aFileName, qvDictionary* aDictionary);

@@ -63,14 +63,17 @@ static int qvFile_S_OpenFlags(qvFileOpenMode anOpenMode) {
   return theFlags | (theTruncate ? O_TRUNC : 0) | (theCreate ? O_CREAT : 0) | (theExclusive ? O_EXCL : 0);
 }
 
-int qvFile_Open(const char* aFilePath, qvFileOpenMode anOpenMode, int anAccessMode, qvFileFD* aFD) {
-  (void)anAccessMode;
+static int qvFile_S_Open(const char* aFilePath, qvFileOpenMode anOpenMode, int afRetryInterrupted,
+                         qvFileFD* aFD) {
   qvNativePath thePath(aFilePath);
   int theFlags = qvFile_S_OpenFlags(anOpenMode);
   if (thePath.Get() == NULL || aFD == NULL || theFlags == -1) {
     return kqvFileErrorUnknown;
   }
-  qvFileFD theFD = open(thePath.Get(), theFlags, kqvFile_Permissions);
+  qvFileFD theFD;
+  do {
+    theFD = open(thePath.Get(), theFlags, kqvFile_Permissions);
+  } while (theFD == kqvFileFDInvalid && errno == EINTR && afRetryInterrupted);
   if (theFD == kqvFileFDInvalid) {
     return PosixErrorToQvFileError(errno);
   }
@@ -85,11 +88,24 @@ int qvFile_Open(const char* aFilePath, qvFileOpenMode anOpenMode, int anAccessMo
   return 0;
 }
 
+int qvFile_Open(const char* aFilePath, qvFileOpenMode anOpenMode, int anAccessMode, qvFileFD* aFD) {
+  (void)anAccessMode;
+  return qvFile_S_Open(aFilePath, anOpenMode, 0, aFD);
+}
+
+int qvFile_S_OpenUninterrupted(const char* aFilePath, qvFileOpenMode anOpenMode, qvFileFD* aFD) {
+  return qvFile_S_Open(aFilePath, anOpenMode, 1, aFD);
+}
+
 int qvFile_Close(qvFileFD aFD) {
-  int theResult;
-  do {
+  int theResult = close(aFD);
+  while (theResult == -1 && errno == EINTR) {
     theResult = close(aFD);
-  } while (theResult == -1 && errno == EINTR);
+    // Some systems close the file although they report the interruption: then there is nothing left to close.
+    if (theResult == -1 && errno == EBADF) {
+      theResult = 0;
+    }
+  }
   return qvFile_S_Result(theResult);
 }
 
@@ -202,7 +218,13 @@ int qvFile_SetSize(const char* aFilePath, qvFileOffset aSize) {
 
 int qvFile_truncate(const char* aFilePath, qvFileOffset aSize) { return qvFile_SetSize(aFilePath, aSize); }
 
-int qvFile_Flush(qvFileFD aFD) { return qvFile_S_Result(fsync(aFD)); }
+int qvFile_Flush(qvFileFD aFD) {
+  int theResult;
+  do {
+    theResult = fsync(aFD);
+  } while (theResult == -1 && errno == EINTR);
+  return qvFile_S_Result(theResult);
+}
 
 int qvFile_Remove(const char* aFilePath) {
   qvNativePath thePath(aFilePath);

@@ -191,6 +191,13 @@ TEST_F(qvFileFaults, AnInterruptedCloseIsTriedAgain) {
   EXPECT_EQ(3u, sNextAnswer);
 }
 
+TEST_F(qvFileFaults, AnInterruptedCloseThatHasClosedIsASuccess) {
+  Answer(mFD, {-EINTR, -EBADF});
+  EXPECT_EQ(0, qvFile_Close(mFD));
+  Answer(mFD, {-EBADF});
+  EXPECT_EQ(kqvFileErrorUnknown, qvFile_Close(mFD)) << "without an interruption it is the caller's mistake";
+}
+
 TEST_F(qvFileFaults, ACloseThatFailsOtherwiseIsAnError) {
   Answer(mFD, {-EIO});
   EXPECT_EQ(kqvFileErrorUnknown, qvFile_Close(mFD));
