@@ -78,16 +78,6 @@ ChildResult Run(const std::function<void()>& aChildBody) {
   return theResult;
 }
 
-std::vector<std::string> EmulatorWords() {
-  std::vector<std::string> theWords;
-  std::string theWord;
-  std::istringstream theStream(QVLOG_TEST_EMULATOR);
-  while (theStream >> theWord) {
-    theWords.push_back(theWord);
-  }
-  return theWords;
-}
-
 }  // namespace
 
 ChildResult RunInChildKeepingTrace(const std::function<void()>& aBody) { return Run(aBody); }
@@ -98,28 +88,36 @@ ChildResult RunInChild(const std::function<void()>& aBody) {
   return theResult;
 }
 
-ChildResult RunProgram(const std::string& aPath, const std::vector<std::string>& anArguments,
-                       const std::vector<std::string>& anEnvironment) {
-  std::vector<std::string> theWords = EmulatorWords();
+void BecomeProgram(const std::string& aPath, const std::vector<std::string>& anArguments,
+                   const std::vector<std::string>& anEnvironment) {
+  for (const std::string& theSetting : anEnvironment) {
+    size_t theEqual = theSetting.find('=');
+    if (theEqual == std::string::npos) {
+      unsetenv(theSetting.c_str());
+    } else {
+      setenv(theSetting.substr(0, theEqual).c_str(), theSetting.c_str() + theEqual + 1, 1);
+    }
+  }
+  std::vector<std::string> theWords;
+  std::string theWord;
+  std::istringstream theEmulator(QVLOG_TEST_EMULATOR);
+  while (theEmulator >> theWord) {
+    theWords.push_back(theWord);
+  }
   theWords.push_back(aPath);
   theWords.insert(theWords.end(), anArguments.begin(), anArguments.end());
-  return RunInChild([&] {
-    for (const std::string& theSetting : anEnvironment) {
-      size_t theEqual = theSetting.find('=');
-      if (theEqual == std::string::npos) {
-        unsetenv(theSetting.c_str());
-      } else {
-        setenv(theSetting.substr(0, theEqual).c_str(), theSetting.c_str() + theEqual + 1, 1);
-      }
-    }
-    std::vector<char*> theArguments;
-    for (std::string& theWord : theWords) {
-      theArguments.push_back(theWord.data());
-    }
-    theArguments.push_back(nullptr);
-    execvp(theArguments[0], theArguments.data());
-    _exit(127);
-  });
+  std::vector<char*> theArguments;
+  for (std::string& theArgument : theWords) {
+    theArguments.push_back(theArgument.data());
+  }
+  theArguments.push_back(nullptr);
+  execvp(theArguments[0], theArguments.data());
+  _exit(127);
+}
+
+ChildResult RunProgram(const std::string& aPath, const std::vector<std::string>& anArguments,
+                       const std::vector<std::string>& anEnvironment) {
+  return RunInChild([&] { BecomeProgram(aPath, anArguments, anEnvironment); });
 }
 
 std::string TestProgramPath(const std::string& aName) {

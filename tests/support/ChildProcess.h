@@ -28,6 +28,10 @@ ChildResult RunInChildKeepingTrace(const std::function<void()>& aBody);
 ChildResult RunProgram(const std::string& aPath, const std::vector<std::string>& anArguments = {},
                        const std::vector<std::string>& anEnvironment = {});
 
+// In a forked child: makes it such a program. Does not return.
+[[noreturn]] void BecomeProgram(const std::string& aPath, const std::vector<std::string>& anArguments,
+                                const std::vector<std::string>& anEnvironment);
+
 // The full path of a test program from tests/programs.
 std::string TestProgramPath(const std::string& aName);
 
