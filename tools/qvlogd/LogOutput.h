@@ -1,9 +1,10 @@
-// LogOutput.h - where the collector writes: standard output, or files that rotate.
+// LogOutput.h - where the collector writes: standard output, or files that rotate (LogFiles.h).
 //
-// A thread of its own does the writing, behind a bounded queue, so that a slow or full disk never stops the
-// reading of connections. On a full disk the oldest rotated files go first, then it retries; what had to be
-// dropped is counted, and one line says so when writing is possible again. All functions but the constructor
-// belong to one thread.
+// A thread of its own does the writing, behind a bounded queue, so that a slow or full disk or a terminal
+// that is stopped never stops the reading of connections. When the queue is full, Flush waits for a moment
+// and then drops; from then on everything is dropped until half of the queue is free again, and one line (the
+// event "suppressed" of the collector itself) says in that place how many lines are missing. All functions
+// but the constructor belong to one thread.
 #ifndef QVLOGD_LOGOUTPUT_H
 #define QVLOGD_LOGOUTPUT_H
 
@@ -12,34 +13,48 @@
 
 #include "tools/logstream/LogPrinter.h"
 #include "tools/logstream/LogRecord.h"
+#include "tools/qvlogd/LogFiles.h"
 
-struct LogOutputOptions {
-  std::string mPattern;  // file name with %y %m %d %H %M %S %n as the library's file logger has; empty:
-                         // standard output
+struct LogOutputOptions : LogFilesOptions {  // an empty mPattern: standard output
   LogForm mForm = LogForm_Short;
   bool mfColor = false;
-  uint64 mRotateSize = 0;         // bytes; 0: no limit
-  unsigned int mRotateTime = 0;   // seconds; 0: never
-  unsigned int mRotateCount = 0;  // rotated files kept beside the current one; 0: no limit
-  uint64 mMaxUse = 0;             // bytes of all files together; 0: no limit
-  uint64 mKeepFree = 0;           // bytes left free on the file system; 0: no limit
+  size_t mQueueBytes = 8388608;  // waiting for the writer
 };
 
 class LogOutput : public LogRecordSink {
  public:
-  explicit LogOutput(const LogOutputOptions& aOptions);
-  ~LogOutput() override;  // writes what is queued, for at most five seconds
+  explicit LogOutput(const LogOutputOptions& anOptions);
+  // Writes to aTarget in place of what the options say.
+  LogOutput(const LogOutputOptions& anOptions, std::unique_ptr<LogTarget> aTarget);
+  ~LogOutput() override;  // Close
 
-  bool Open(std::string* aError);                // one line of text in aError on failure
+  // Opens the file and starts the writer. One line of text in aError on failure; nothing is written then.
+  bool Open(std::string* aError);
   void Take(const LogRecord& aRecord) override;  // prints into the current block
-  void Flush();   // hands the block to the writer; at the end of each turn of the loop
+  // Hands the block to the writer; at the end of each turn of the loop. Waits at most 20 ms for room, the
+  // calls of Take before it included.
+  void Flush();
   void Reopen();  // after another program has renamed the file
+  // Writes what is queued, for at most five seconds, and counts the rest as dropped. Nothing may follow.
+  void Close();
 
   uint64 Dropped() const;  // lines
+  bool HasEnded() const;   // standard output: its reader has gone, and all there is to write is dropped
 
  private:
   struct State;
-  std::unique_ptr<State> mState;
+  void HandOver();
+  bool MayPut();
+  bool PutPatiently(std::string& aBlock);
+  std::string LossLine();
+  void DropBlock();
+
+  std::shared_ptr<State> mState;  // shared with the writer, which a stalled disk can hold beyond our end
+  LogPrinter mPrinter;
+  std::string mBlock;
+  uint64 mUntold = 0;  // dropped lines no line has told yet
+  int mPatience = 0;   // milliseconds left to wait for room in this turn
+  bool mfClosing = false;
 };
 
 #endif
