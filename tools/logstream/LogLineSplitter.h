@@ -39,6 +39,7 @@ class LogLineSplitter {
   // Arrival of the byte at anOffset inside aLine, as exactly as it is known.
   int64 TimeInside(const Line& aLine, uint64 anOffset) const;
 
+  size_t HeldBytes() const { return mHeld.size(); }          // after Keep
   bool HasTail() const { return mLineStart < mPieceStart; }  // after Keep
   uint64 LineStart() const { return mLineStart; }            // of the line that is still incomplete
   int64 LineTime() const { return mLineTime; }

@@ -35,6 +35,7 @@ class LogMessage {
   void HandOver(const LogLineSplitter& aBytes, std::string_view aProcess, std::string_view aUUID,
                 LogRecordSink& aSink);
 
+  size_t WaitingBytes() const { return mLines.size() * sizeof(Line); }  // of what describes the lines
   bool IsWaiting() const { return !mLines.empty(); }
   uint64 WaitingFrom() const { return mLines.front().mOffset; }
   int64 WaitingSince() const { return mLines.front().mTime; }

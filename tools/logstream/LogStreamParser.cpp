@@ -280,6 +280,10 @@ int64 LogStreamParser::WaitingSince() const {
   return mState->mfHasBlank ? mState->mBlank.mTime : mState->mSplitter.LineTime();
 }
 
+size_t LogStreamParser::WaitingBytes() const {
+  return mState->mSplitter.HeldBytes() + mState->mMessage.WaitingBytes();
+}
+
 bool LogStreamParser::HasHeader() const { return mState->mfHasHeader; }
 const std::string& LogStreamParser::Process() const { return mState->mProcess; }
 const std::string& LogStreamParser::UUID() const { return mState->mUUID; }

@@ -49,6 +49,7 @@ class LogStreamParser {
 
   bool IsWaiting() const;              // something is held back
   int64 WaitingSince() const;          // the arrival of the first byte that is held back
+  size_t WaitingBytes() const;         // the memory that this takes
   bool HasHeader() const;              // the connection header was recognised
   const std::string& Process() const;  // empty without a header
   const std::string& UUID() const;     // empty without a header
