@@ -6,6 +6,7 @@
 #include <sched.h>
 #include <semaphore.h>
 #include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "qvOS/qvThread.h"
@@ -29,6 +30,9 @@ struct FakeSystem {
   bool mfGateFails = false;
   bool mfPostFails = false;
   int mJoins = 0;
+  bool mfNoMemory = false;
+  bool mfSkipsSleep = false;
+  struct timespec mSleep = {};
 };
 FakeSystem gSystem;
 
@@ -94,6 +98,25 @@ extern "C" int pthread_join(pthread_t aThread, void** aResult) {
   ++gSystem.mJoins;
   return TheSystems(pthread_join, "pthread_join")(aThread, aResult);
 }
+
+extern "C" int nanosleep(const struct timespec* aDelay, struct timespec* aRest) {
+  if (!gSystem.mfSkipsSleep) {
+    return TheSystems(nanosleep, "nanosleep")(aDelay, aRest);
+  }
+  gSystem.mSleep = *aDelay;
+  return 0;
+}
+
+#if !QVLOG_SANITIZED
+extern "C" void* __libc_calloc(size_t, size_t);
+extern "C" void* calloc(size_t aCount, size_t aSize) noexcept {
+  if (gSystem.mfNoMemory) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+  return __libc_calloc(aCount, aSize);
+}
+#endif
 
 // Each test begins with a system that answers by itself.
 class qvThreadFaults : public testing::Test {
@@ -161,6 +184,41 @@ TEST_F(qvThreadFaults, ThreadWithoutAGateIsNull) {
     gSystem.mfGateFails = true;
     EXPECT_EQ(nullptr, qvThread_New(&theData));
     gSystem.mfGateFails = false;
+  }
+}
+
+TEST_F(qvThreadFaults, ThreadWithoutMemoryForItsHandleIsNull) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer has an allocator of its own";
+  }
+  qvOSThread_Data theData = Description(Nothing, nullptr, qvThread_Kind_Joinable);
+  qvThread_Delete(qvThread_New(&theData));  // the first one loads a library
+  gSystem.mfNoMemory = true;
+  qvOSThread* theThread = qvThread_New(&theData);
+  gSystem.mfNoMemory = false;
+  EXPECT_EQ(nullptr, theThread);
+}
+
+TEST_F(qvThreadFaults, SleepAsksForTheWholeDelay) {
+  const struct {
+    uint32 mDelay;
+    time_t mSeconds;
+    long mNanoSeconds;
+    const char* mWhy;
+  } kCases[] = {
+      {0, 0, 0, "no delay"},
+      {1, 0, 1000000, "the shortest"},
+      {999, 0, 999000000, "below a second"},
+      {1000, 1, 0, "a second"},
+      {4294968, 4294, 968000000, "more microseconds than 32 bits hold"},
+      {4294967295u, 4294967, 295000000, "the longest"},
+  };
+  gSystem.mfSkipsSleep = true;
+  for (const auto& theCase : kCases) {
+    SCOPED_TRACE(theCase.mWhy);
+    qvThread_Sleep(theCase.mDelay);
+    EXPECT_EQ(theCase.mSeconds, gSystem.mSleep.tv_sec);
+    EXPECT_EQ(theCase.mNanoSeconds, gSystem.mSleep.tv_nsec);
   }
 }
 

@@ -101,6 +101,19 @@ TEST(qvThread, NewFillsTheHandle) {
   EXPECT_EQ(0, theCalls.load());
 }
 
+TEST(qvThread, UnknownKindCountsAsJoinable) {
+  std::atomic<int> theCalls{0};
+  qvOSThread_Data theData = Joinable(CountCall, &theCalls);
+  theData.mThreadKind = 2;
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  EXPECT_EQ(kqvThreadDetachedState_NotDetached, theThread->mDetachedState);
+  qvThread_Run(theThread);
+  EXPECT_EQ(0, qvThread_Wait(theThread));
+  EXPECT_EQ(1, theCalls.load());
+  qvThread_Delete(theThread);
+}
+
 // ---- threads that outlive their handle
 
 struct LongLife {
@@ -170,100 +183,6 @@ TEST(qvThread, AFunctionMayLeaveByPthreadExit) {
   EXPECT_EQ(0, qvThread_Wait(theThread));
   EXPECT_EQ(1, theCalls.load());
   qvThread_Delete(theThread);
-}
-
-// ---- detached threads
-
-struct DetachedLife {
-  std::atomic<int> mSteps{0};
-  int mFunctionStep = 0;
-  int mDeleteStep = 0;
-  qvOSSemaphore* mDone = qvSemaphore_New(0);
-};
-
-void RunDetached(void* aLife) {
-  DetachedLife* theLife = static_cast<DetachedLife*>(aLife);
-  theLife->mFunctionStep = ++theLife->mSteps;
-}
-
-void DeleteDetached(void* aLife) {
-  DetachedLife* theLife = static_cast<DetachedLife*>(aLife);
-  theLife->mDeleteStep = ++theLife->mSteps;
-  qvSemaphore_Post(theLife->mDone);
-}
-
-TEST(qvThread, DetachedThreadRunsItsFunctionAndThenItsDeleteFunction) {
-  DetachedLife theLife;
-  qvOSThread_Data theData = {RunDetached, DeleteDetached, &theLife, 0, qvThread_Kind_Detached, 0};
-  qvOSThread* theThread = qvThread_New(&theData);
-  ASSERT_NE(nullptr, theThread);
-  EXPECT_EQ(kqvThreadDetachedState_Detached, theThread->mDetachedState);
-  EXPECT_EQ(&DeleteDetached, theThread->mDeleteFunc);
-  EXPECT_EQ(0, qvThread_Run(theThread));
-  ASSERT_EQ(0, qvSemaphore_WaitTimeout(theLife.mDone, 60000));
-  EXPECT_EQ(1, theLife.mFunctionStep);
-  EXPECT_EQ(2, theLife.mDeleteStep);
-  qvSemaphore_Delete(theLife.mDone);
-}
-
-TEST(qvThread, DetachedThreadNeedsNoDeleteFunction) {
-  DetachedLife theLife;
-  qvOSThread_Data theData = {DeleteDetached, nullptr, &theLife, 0, qvThread_Kind_Detached, 0};
-  qvOSThread* theThread = qvThread_New(&theData);
-  ASSERT_NE(nullptr, theThread);
-  qvThread_Run(theThread);
-  ASSERT_EQ(0, qvSemaphore_WaitTimeout(theLife.mDone, 60000));
-  qvSemaphore_Delete(theLife.mDone);
-}
-
-struct DetachState {
-  int mState = -1;
-  qvOSSemaphore* mDone = qvSemaphore_New(0);
-};
-
-void RememberDetachState(void* aState) {
-  DetachState* theState = static_cast<DetachState*>(aState);
-  pthread_attr_t theAttributes;
-  pthread_getattr_np(pthread_self(), &theAttributes);
-  pthread_attr_getdetachstate(&theAttributes, &theState->mState);
-  pthread_attr_destroy(&theAttributes);
-  qvSemaphore_Post(theState->mDone);
-}
-
-TEST(qvThread, DetachedThreadIsDetachedForTheSystemToo) {
-  DetachState theState;
-  qvOSThread_Data theData = {RememberDetachState, nullptr, &theState, 0, qvThread_Kind_Detached, 0};
-  qvOSThread* theThread = qvThread_New(&theData);
-  ASSERT_NE(nullptr, theThread);
-  qvThread_Run(theThread);
-  ASSERT_EQ(0, qvSemaphore_WaitTimeout(theState.mDone, 60000));
-  EXPECT_EQ(PTHREAD_CREATE_DETACHED, theState.mState);
-  qvSemaphore_Delete(theState.mDone);
-}
-
-// The handle may be gone as soon as the gate is open; the sanitizers see a late use of it.
-TEST(qvThread, ManyDetachedThreadsReleaseTheirHandles) {
-  DetachedLife theLife;
-  qvOSThread_Data theData = {RunDetached, DeleteDetached, &theLife, 0, qvThread_Kind_Detached, 0};
-  for (int i = 0; i < 200; ++i) {
-    qvOSThread* theThread = qvThread_New(&theData);
-    ASSERT_NE(nullptr, theThread);
-    ASSERT_EQ(0, qvThread_Run(theThread));
-    ASSERT_EQ(0, qvSemaphore_WaitTimeout(theLife.mDone, 60000));
-  }
-  EXPECT_EQ(400, theLife.mSteps.load());
-  qvSemaphore_Delete(theLife.mDone);
-}
-
-TEST(qvThread, DetachedThreadCannotBeWaitedForOrDeleted) {
-  auto start = [] {
-    qvOSThread_Data theData = {CountCall, nullptr, nullptr, 0, qvThread_Kind_Detached, 0};
-    return qvThread_New(&theData);
-  };
-  EXPECT_QV_ASSERTION(qvThread_Wait(start()), "aThread->mDetachedState != kqvThreadDetachedState_Detached",
-                      "qvThread");
-  EXPECT_QV_ASSERTION(qvThread_Delete(start()), "aThread->mDetachedState != kqvThreadDetachedState_Detached",
-                      "qvThread");
 }
 
 // ---- what the caller does wrong
