@@ -5,9 +5,13 @@
 #include <pthread.h>
 #include <sched.h>
 #include <semaphore.h>
+#include <signal.h>
+#include <stdio.h>
 #include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
+
+#include <string>
 
 #include "qvOS/qvThread.h"
 #include "qvOS/qvThread_p.h"
@@ -30,8 +34,10 @@ struct FakeSystem {
   bool mfGateFails = false;
   bool mfPostFails = false;
   int mJoins = 0;
+  int mDetaches = 0;
   bool mfNoMemory = false;
   bool mfSkipsSleep = false;
+  bool mfPrintsSleep = false;
   struct timespec mSleep = {};
 };
 FakeSystem gSystem;
@@ -99,11 +105,19 @@ extern "C" int pthread_join(pthread_t aThread, void** aResult) {
   return TheSystems(pthread_join, "pthread_join")(aThread, aResult);
 }
 
+extern "C" int pthread_detach(pthread_t aThread) noexcept {
+  ++gSystem.mDetaches;
+  return TheSystems(pthread_detach, "pthread_detach")(aThread);
+}
+
 extern "C" int nanosleep(const struct timespec* aDelay, struct timespec* aRest) {
   if (!gSystem.mfSkipsSleep) {
     return TheSystems(nanosleep, "nanosleep")(aDelay, aRest);
   }
   gSystem.mSleep = *aDelay;
+  if (gSystem.mfPrintsSleep) {
+    dprintf(STDOUT_FILENO, "sleep %ld %ld\n", static_cast<long>(aDelay->tv_sec), aDelay->tv_nsec);
+  }
   return 0;
 }
 
@@ -257,6 +271,53 @@ TEST_F(qvThreadFaults, DeleteJoinsAThreadThatNeverRan) {
   qvThread_Delete(theThread);
   EXPECT_EQ(1, gSystem.mJoins) << "it is let through the gate and has ended";
   EXPECT_EQ(0, theCalls);
+}
+
+void WaitAtTheGate(void* aSemaphore) { qvSemaphore_Wait(static_cast<qvOSSemaphore*>(aSemaphore)); }
+
+TEST_F(qvThreadFaults, DeleteDetachesARunningThreadSoThatTheSystemReleasesItsStack) {
+  // Not released: the thread may still be about to wait when the test ends.
+  static qvOSSemaphore* sGate = qvSemaphore_New(0);
+  qvOSThread_Data theData = Description(WaitAtTheGate, sGate, qvThread_Kind_Joinable);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  qvThread_Run(theThread);
+  qvThread_Delete(theThread);
+  EXPECT_EQ(1, gSystem.mDetaches);
+  EXPECT_EQ(0, gSystem.mJoins);
+  qvSemaphore_Post(sGate);
+}
+
+TEST_F(qvThreadFaults, DeleteDetachesNoThreadThatHasBeenJoined) {
+  qvOSThread_Data theData = Description(Nothing, nullptr, qvThread_Kind_Joinable);
+  qvThread_Delete(qvThread_New(&theData));
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  qvThread_Run(theThread);
+  qvThread_Wait(theThread);
+  qvThread_Delete(theThread);
+  EXPECT_EQ(2, gSystem.mJoins);
+  EXPECT_EQ(0, gSystem.mDetaches);
+}
+
+void Abort(void*) { raise(SIGABRT); }
+
+TEST_F(qvThreadFaults, CrashSleepsTwoSecondsBehindItsTrace) {
+  ChildResult theResult = RunInChild([] {
+    gSystem.mfSkipsSleep = true;
+    gSystem.mfPrintsSleep = true;
+    qvOSThread_Data theData = Description(Abort, nullptr, qvThread_Kind_Joinable);
+    theData.mStackSize = qvThread_StackSize_SystemDefault;
+    qvOSThread* theThread = qvThread_New(&theData);
+    qvThread_Run(theThread);
+    qvThread_Wait(theThread);
+  });
+  EXPECT_EQ(SIGABRT, theResult.mSignal);
+  size_t theTrace = theResult.mStdout.find("Backtracing this thread (pid=");
+  size_t theSleep = theResult.mStdout.find("sleep 2 0\n");
+  ASSERT_NE(std::string::npos, theTrace) << theResult.mStdout;
+  ASSERT_NE(std::string::npos, theSleep) << theResult.mStdout;
+  EXPECT_LT(theTrace, theSleep);
 }
 
 TEST_F(qvThreadFaults, DeleteClearsTheMagicNumberBeforeTheMemoryIsFreed) {
