@@ -5,6 +5,7 @@
 
 #include "qvLog/qvLogger_File.h"
 #include "qvLog/qvLogger_Func.h"
+#include "qvLog/qvLogger_qvLogd.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvMutex.h"
 
@@ -30,7 +31,10 @@ struct qvErrnoKeeper {
   ~qvErrnoKeeper() { errno = mErrno; }
 };
 
-static void CreateLoggers() { qvLogger_File_Init(); }
+static void CreateLoggers() {
+  qvLogger_File_Init();
+  qvLogger_qvLogd_Init();
+}
 
 static qvOSMutex* qvLog_S_GetMutex() { return __atomic_load_n(&sLogMutex, __ATOMIC_ACQUIRE); }
 

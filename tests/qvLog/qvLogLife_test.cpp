@@ -11,8 +11,10 @@
 #include "qvLog/qvLoggerConfig_p.h"
 #include "qvLog/qvLogger_File.h"
 #include "qvLog/qvLogger_Func.h"
+#include "qvLog/qvLogger_qvLogd.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "support/FreshProcess.h"
+#include "support/NoLogDaemon.h"
 #include "support/RecordingLogger.h"
 #include "support/ScratchFolder.h"
 #include "support/SleepingThread.h"
@@ -30,6 +32,7 @@ TEST(qvLogLife, BeforeTheFirstUseTheGateIsWideOpenAndNothingExists) {
   EXPECT_FALSE(IsInitialised());
   EXPECT_EQ(nullptr, qvLogger::sHead);
   EXPECT_EQ(nullptr, qvFileLogger::sInstance);
+  EXPECT_EQ(nullptr, qvLogdLogger::sInstance);
   EXPECT_EQ(nullptr, qvFuncLogger::sInstance);
   EXPECT_EQ(nullptr, _qvLog_gData.mFormatted);
   EXPECT_EQ(0, _gfqvLog_gDataInitialized);
@@ -69,15 +72,14 @@ TEST(qvLogLife, EachOfTheFirstCallsInitialises) {
   }
 }
 
-TEST(qvLogLife, InitialisationCreatesTheFileLogger) {
+TEST(qvLogLife, InitialisationCreatesTheFileLoggerAndThenTheLogDaemonLogger) {
   IN_FRESH_PROCESS({
     qvLog_ReloadConfig();
-    EXPECT_NE(nullptr, qvFileLogger::sInstance);
-    qvLogger* theLast = qvLogger::sHead;
-    while (theLast->mNext != nullptr) {
-      theLast = theLast->mNext;
-    }
-    EXPECT_EQ(qvFileLogger::sInstance, theLast);
+    ASSERT_NE(nullptr, qvFileLogger::sInstance);
+    ASSERT_NE(nullptr, qvLogdLogger::sInstance);
+    EXPECT_EQ(qvLogdLogger::sInstance, qvLogger::sHead) << "newest first";
+    EXPECT_EQ(qvFileLogger::sInstance, qvLogger::sHead->mNext);
+    EXPECT_EQ(nullptr, qvFileLogger::sInstance->mNext);
   });
 }
 
@@ -121,6 +123,7 @@ TEST(qvLogLife, TermDeletesEverythingButTheGateAndTheFlags) {
     EXPECT_FALSE(IsInitialised());
     EXPECT_EQ(nullptr, qvLogger::sHead);
     EXPECT_EQ(nullptr, qvFileLogger::sInstance);
+    EXPECT_EQ(nullptr, qvLogdLogger::sInstance);
     EXPECT_EQ(nullptr, qvFuncLogger::sInstance);
     EXPECT_EQ(0, _gfqvLog_gDataInitialized);
     EXPECT_EQ(nullptr, _qvLog_gData.mFormatted);
@@ -135,6 +138,7 @@ TEST(qvLogLife, AMessageAfterTermInitialisesAgain) {
     qvLog_Begin(1, 0);
     EXPECT_TRUE(IsInitialised());
     EXPECT_NE(nullptr, qvFileLogger::sInstance);
+    EXPECT_NE(nullptr, qvLogdLogger::sInstance);
     EXPECT_EQ(nullptr, qvFuncLogger::sInstance);
     EXPECT_EQ(1, _gfqvLog_gDataInitialized);
     EXPECT_LT(_qvLog_Level, 6) << "set anew by the loggers that exist now";
@@ -200,7 +204,7 @@ TEST(qvLogKept, TermInitialisesAFrameworkThatWasNeverUsed) {
   IN_FRESH_PROCESS({
     EXPECT_EQ(65535, _qvLog_Level);
     qvLog_Term();
-    EXPECT_NE(65535, _qvLog_Level) << "the gate that the file logger left";
+    EXPECT_NE(65535, _qvLog_Level) << "the gate that the loggers left";
     EXPECT_EQ(1024, _qvLog_gData.mSizeofFormatted) << "the options were read";
     EXPECT_FALSE(IsInitialised());
   });
@@ -235,6 +239,7 @@ TEST(qvLogLife, NeverLogDeletesAllLoggersForGood) {
     EXPECT_EQ(nullptr, qvLog_Begin(1, 0));
     qvLog_SetLogFunc(6, IgnoreMessage, nullptr);
     qvLogger_File_Init();
+    qvLogger_qvLogd_Init();
     EXPECT_EQ(nullptr, qvLogger::sHead);
     qvLog_Term();
     EXPECT_EQ(nullptr, qvLog_Begin(1, 0));
@@ -268,7 +273,8 @@ TEST(qvLogLife, TheEndOfTheProcessRunsTheDestructorsOfTheLoggers) {
 TEST(qvLogLife, UnloadingTheLibraryClosesTheOutputs) {
   ScratchFolder theFolder;
   std::string theProgram = CopyTestProgram("LogUnload", theFolder.Path(), "box");
-  WriteWholeFile(theFolder.File("qvLog.box.ini"), "[file]\nlevel=all\nfile=out.txt\n");
+  WriteWholeFile(theFolder.File("qvLog.box.ini"),
+                 std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=out.txt\n");
   EXPECT_EQ(0, RunProgram(theProgram, {QVLOG_TEST_LIBRARY}).mExitCode);
   // A line that is not complete stays in the stream's buffer until the stream is closed.
   EXPECT_THAT(ReadWholeFile(theFolder.File("out.txt")),

@@ -8,6 +8,7 @@
 
 #include "qvLog/qvLog.h"
 #include "support/ChildProcess.h"
+#include "support/NoLogDaemon.h"
 #include "support/RecordingLogger.h"
 #include "support/ScratchFolder.h"
 
@@ -18,9 +19,10 @@ namespace {
 using testing::ElementsAre;
 using testing::EndsWith;
 
-// Runs a program in a scratch folder, without a configuration beside it.
+// Runs a program in a scratch folder, with no log daemon.
 std::string Output(const std::string& aProgram) {
   ScratchFolder theFolder;
+  WriteWholeFile(theFolder.File("qvLog." + aProgram + ".ini"), kNoLogDaemon);
   ChildResult theResult = RunProgram(CopyTestProgram(aProgram, theFolder.Path()));
   EXPECT_EQ(0, theResult.mExitCode);
   EXPECT_EQ("", theResult.mStderr);

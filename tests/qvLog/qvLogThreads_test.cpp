@@ -11,6 +11,7 @@
 
 #include "qvLog/qvLogger_File.h"
 #include "support/ChildProcess.h"
+#include "support/NoLogDaemon.h"
 #include "support/RecordingLogger.h"
 #include "support/ScratchFolder.h"
 #include "support/SleepingThread.h"
@@ -25,7 +26,8 @@ constexpr int kMessages = 250;  // of each writer
 TEST(qvLogThreads, LinesOfEightWritersNeverInterleaveAndNoneIsLostOrDoubled) {
   ScratchFolder theFolder;
   std::string theProgram = CopyTestProgram("LogThreads", theFolder.Path());
-  WriteWholeFile(theFolder.File("qvLog.LogThreads.ini"), "[file]\nlevel=all\nfile=out.txt\n");
+  WriteWholeFile(theFolder.File("qvLog.LogThreads.ini"),
+                 std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=out.txt\n");
   ChildResult theResult = RunProgram(theProgram);
   EXPECT_EQ(0, theResult.mExitCode);
   EXPECT_EQ("", theResult.mStderr);

@@ -171,9 +171,13 @@ TEST(qvLoggerConfig, DefaultsArePopulatedExceptAnEmptyText) {
 
 TEST(qvLoggerConfig, AFirstStartLeavesACompleteFileBehind) {
   LogProgram theProgram;
+  theProgram.RemoveConfiguration();
   theProgram.Run({"reload"});
-  EXPECT_THAT(theProgram.Populated(), HasSubstr("[options]\nmax_len_logger=1024\ndate=off\n"));
-  EXPECT_THAT(theProgram.Populated(), HasSubstr("[file]\nlevel=Off\nfile=stderr\nappend=0\n"));
+  EXPECT_EQ(
+      "[options]\nmax_len_logger=1024\ndate=off\n"
+      "\n[file]\nlevel=Off\nfile=stderr\nappend=0\n"
+      "\n[qvlogd]\nlevel=All\ntarget=%QVRALOG%\nblocking=0\n",
+      theProgram.Populated());
 }
 
 TEST(qvLoggerConfig, AnEmptyFileWithPopulateOnIsCompletedToo) {
@@ -198,6 +202,7 @@ TEST(qvLoggerConfig, EveryNumberButZeroSwitchesPopulatingOn) {
 
 TEST(qvLoggerConfigKept, AFirstStartDoesNotWritePopulate) {
   LogProgram theProgram;
+  theProgram.RemoveConfiguration();
   theProgram.Run({"reload"});
   EXPECT_THAT(theProgram.Populated(), Not(HasSubstr("populate")));
   theProgram.Run({"reload"});
@@ -345,8 +350,9 @@ TEST(qvLoggerConfig, AReloadSeesTheModuleSwitchesAsTheyAreThen) {
   theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\n");
   EXPECT_EQ("0\n0\n1\n", theProgram
                              .Run({"will", "1", "4", "write", "qvLog.box.ini",
-                                   "[options]\npopulate=0\n[file]\nlevel=all\nLOG_SCHEDULER=1\n", "will", "1",
-                                   "4", "reload", "will", "1", "4"})
+                                   std::string(kNoLogDaemon) +
+                                       "[options]\npopulate=0\n[file]\nlevel=all\nLOG_SCHEDULER=1\n",
+                                   "will", "1", "4", "reload", "will", "1", "4"})
                              .mStdout);
 }
 
@@ -401,6 +407,7 @@ TEST(qvLoggerConfig, AConfigurationThatCannotBeWrittenIsNoFailure) {
 
 TEST(qvLoggerConfig, AConfigurationThatCannotBeReadIsAnEmptyOne) {
   LogProgram theProgram;
+  theProgram.RemoveConfiguration();
   mkdir(theProgram.Path("qvLog.box.ini").c_str(), 0777);
   ChildResult theResult = theProgram.Run({"threshold", "File", "reload", "threshold", "File"});
   EXPECT_EQ("none\n0\n", theResult.mStdout);

@@ -208,7 +208,8 @@ TEST(qvLoggerPrefix, DatesThatAreSwitchedOnShowInTheSameSecond) {
   std::string theText =
       theProgram
           .Run({"clock", "1709647387", "0", "log", "1", "0", "x\n", "write", "qvLog.box.ini",
-                "[options]\npopulate=0\ndate=on\n[file]\nlevel=all\n", "term", "log", "1", "0", "x\n"})
+                std::string(kNoLogDaemon) + "[options]\npopulate=0\ndate=on\n[file]\nlevel=all\n", "term",
+                "log", "1", "0", "x\n"})
           .mStderr;
   EXPECT_THAT(theText, testing::HasSubstr("\nE 14:03:07:000|"));
   EXPECT_THAT(theText, testing::HasSubstr("\nE 03/05/2024 14:03:07:000|"));

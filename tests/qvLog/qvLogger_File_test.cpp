@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "qvLog/qvLogger_qvLogd.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "support/ClassLayout.h"
 #include "support/LogProgram.h"
@@ -88,10 +89,13 @@ TEST_F(qvFileLoggerTest, InitCreatesOneLoggerOnly) {
   qvLogger_File_Init();
   qvFileLogger* theLogger = qvFileLogger::sInstance;
   ASSERT_NE(nullptr, theLogger);
-  EXPECT_EQ(theLogger, qvLogger::sHead) << "it is in the chain";
+  qvLogger* theNewest = qvLogger::sHead;
+  EXPECT_EQ(qvLogdLogger::sInstance, theNewest);
+  EXPECT_EQ(theLogger, theNewest->mNext) << "it is in the chain";
   qvLogger_File_Init();
   EXPECT_EQ(theLogger, qvFileLogger::sInstance);
-  EXPECT_EQ(theLogger, qvLogger::sHead);
+  EXPECT_EQ(theNewest, qvLogger::sHead);
+  EXPECT_EQ(theLogger, theNewest->mNext);
   EXPECT_EQ(nullptr, theLogger->mNext);
 }
 
@@ -237,7 +241,8 @@ TEST_F(qvFileLoggerTest, WithoutALocalTimeOnlyTheProcessNameIsPutIn) {
 TEST_F(qvFileLoggerTest, TheProcessNameIsPutInLast) {
   ScratchFolder theFolder;
   std::string theProgram = CopyTestProgram("LogScript", theFolder.Path(), "%d%n");
-  WriteWholeFile(theFolder.File("qvLog.%d%n.ini"), "[file]\nlevel=all\nfile=%n.txt\n");
+  WriteWholeFile(theFolder.File("qvLog.%d%n.ini"),
+                 std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=%n.txt\n");
   EXPECT_EQ(0, RunProgram(theProgram, {"log", "1", "0", "x\n"}).mExitCode);
   EXPECT_TRUE(FileExists(theFolder.File("%d%n.txt")));
 }
@@ -394,9 +399,10 @@ TEST_F(qvFileLoggerTest, AWriteErrorInTheMiddleOfAMessageLosesTheRestOfIt) {
 TEST_F(qvFileLoggerTest, AReloadReadsNeitherThresholdNorFileNorMode) {
   LogProgram theProgram;
   theProgram.Configure("[file]\nlevel=warn\nfile=out.txt\n");
-  ChildResult theResult = theProgram.Run({"log", "1", "0", "one\n", "write", "qvLog.box.ini",
-                                          "[file]\nlevel=all\nfile=other.txt\n", "reload", "log", "1", "0",
-                                          "two\n", "log", "4", "0", "not this\n", "threshold", "File"});
+  ChildResult theResult =
+      theProgram.Run({"log", "1", "0", "one\n", "write", "qvLog.box.ini",
+                      std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=other.txt\n", "reload", "log", "1",
+                      "0", "two\n", "log", "4", "0", "not this\n", "threshold", "File"});
   EXPECT_EQ("3\n", theResult.mStdout);
   EXPECT_THAT(theProgram.Read("out.txt"), MatchesRegex(Lines({"one", "two"})));
   EXPECT_FALSE(FileExists(theProgram.Path("other.txt")));
@@ -406,7 +412,8 @@ TEST_F(qvFileLoggerTest, TermClosesTheFileAndTheNextMessageReadsTheSettingsAnew)
   LogProgram theProgram;
   theProgram.Configure("[file]\nlevel=all\nfile=out.txt\n");
   theProgram.Run({"log", "1", "0", "one", "term", "write", "qvLog.box.ini",
-                  "[file]\nlevel=all\nfile=other.txt\n", "log", "1", "0", "two\n"});
+                  std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=other.txt\n", "log", "1", "0",
+                  "two\n"});
   EXPECT_THAT(theProgram.Read("out.txt"), MatchesRegex(std::string(kStarted) + kError + "one"));
   EXPECT_THAT(theProgram.Read("other.txt"), MatchesRegex(Lines({"two"})));
 }

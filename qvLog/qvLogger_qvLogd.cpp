@@ -1,0 +1,373 @@
+#include "qvLog/qvLogger_qvLogd.h"
+
+#include <errno.h>
+#include <netdb.h>
+#include <poll.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "qvOS/qvPlatform.h"
+#include "qvraTools/format/qvFormat.h"
+#include "qvraTools/qvAssert.h"
+#include "qvraTools/qvMalloc.h"
+#include "qvraTools/qvRand.h"
+#include "qvraTools/qvUUID.h"
+
+#define kqvLogdLogger_DefaultLevel    "All"
+#define kqvLogdLogger_DefaultTarget   "%QVRALOG%"
+#define kqvLogdLogger_DefaultBlocking 0
+
+#define kqvLogdLogger_Variable     "QVRALOG"
+#define kqvLogdLogger_VariableMark "%QVRALOG%" /* stands for the variable's value in a target */
+#define kqvLogdLogger_LocalTarget  "127.0.0.1:12222"
+#define kqvLogdLogger_NoTarget     "null"
+#define kqvLogdLogger_DefaultPort  "12222"
+#define kqvLogdLogger_MaxPort      65535
+
+#define kqvLogdLogger_SendBuffer     102400 /* bytes; absorbs bursts before messages are lost */
+#define kqvLogdLogger_LossReportSize 20     /* bytes */
+#define kqvLogdLogger_UUIDSize       16     /* bytes */
+
+#define kqvLogdLogger_Rule "#######################################################\n"
+
+qvLogdLogger* qvLogdLogger::sInstance = NULL;
+
+// BeginLog refused the message that is going on. When another logger takes it, its parts and its end come
+// here all the same. There is one instance at a time.
+static bool sfRefused = false;
+
+// The settings are read for every resolution, and by a reload for the populated file.
+static qvCString qvLogdLogger_S_ReadTarget(qvLogdLogger* aLogger) {
+  return aLogger->GetConfig("Target", kqvLogdLogger_DefaultTarget);
+}
+
+// Sends nothing: what is not sent yet is left to the system.
+static void qvLogdLogger_S_CloseSocket(qvLogdLogger* aLogger) {
+  if (aLogger->mSocket != -1) {
+    close(aLogger->mSocket);
+  }
+  aLogger->mSocket = -1;
+  aLogger->mState = qvLogdLogger::State_Disconnected;
+}
+
+static void qvLogdLogger_S_MakeUUID(char* aText) {
+  uint8 theUUID[kqvLogdLogger_UUIDSize];
+  qvRand_Init();
+  qvUUID_Generate(theUUID);
+  qvUUID_Print(theUUID, aText);
+}
+
+qvLogdLogger::qvLogdLogger(bool aAddToList)
+    : qvLogger("qvLogd", aAddToList),
+      mState(State_Disconnected),
+      mAddr(),
+      mAddrLen(0),
+      mSocket(-1),
+      mLostLogs(0),
+      mLastChar('\n'),
+      mfHasAddress(false),
+      mfBlocking(kqvLogdLogger_DefaultBlocking),
+      mBuffer(NULL),
+      mBufferLen(0),
+      mBufferAllocLen(1) {
+  qvAssert(sInstance == NULL);
+  sInstance = this;
+  sfRefused = false;
+  mBuffer = static_cast<char*>(qvMalloc(mBufferAllocLen));
+  qvLogdLogger_S_MakeUUID(mUUIDStr);
+  qvLogdLogger::ReloadConfig();
+}
+
+qvLogdLogger::~qvLogdLogger() {
+  sInstance = NULL;
+  qvLogdLogger_S_CloseSocket(this);
+  qvFree(mBuffer);
+}
+
+void qvLogdLogger::ReloadConfig() {
+  ChangeLevel(GetConfigLevel(kqvLogdLogger_DefaultLevel));
+  qvLogdLogger_S_ReadTarget(this);
+  mfBlocking = GetConfig("Blocking", kqvLogdLogger_DefaultBlocking);
+  qvLogdLogger_S_CloseSocket(this);
+  mfHasAddress = false;
+  qvLogger::ReloadConfig();
+}
+
+bool qvLogdLogger::IsConnected() { return mState == State_Connected; }
+
+int qvLogdLogger::Send(int aSocket, char* aBytes, int aLength) {
+  return static_cast<int>(send(aSocket, aBytes, static_cast<size_t>(aLength), MSG_NOSIGNAL));
+}
+
+int qvLogdLogger::getLastSocketError() { return errno; }
+
+qvCString qvLogdLogger::GetEnv(const char* aName) {
+  char* theValue = qvPlatform_getenv(aName);
+  qvCString theResult(theValue != NULL ? theValue : "");
+  qvFree(theValue);
+  return theResult;
+}
+
+// The resolver would cut a number to 16 bits. Any other text may be the name of a service.
+static bool qvLogdLogger_S_CanBePort(const char* aText) {
+  char* theEnd;
+  long theNumber = strtol(aText, &theEnd, 10);
+  return *theEnd != '\0' || (theNumber >= 1 && theNumber <= kqvLogdLogger_MaxPort);
+}
+
+// The first IPv4 address of a host, or null; to be released with freeaddrinfo.
+static struct addrinfo* qvLogdLogger_S_Resolve(const char* aHost, const char* aPort) {
+  struct addrinfo theHints = {};
+  theHints.ai_family = AF_INET;
+  theHints.ai_socktype = SOCK_STREAM;
+  // Numbers first: they must not wait for a name server.
+  theHints.ai_flags = AI_NUMERICHOST;
+  struct addrinfo* theResult = NULL;
+  int theError = getaddrinfo(aHost, aPort, &theHints, &theResult);
+  if (theError == EAI_NONAME) {
+    theHints.ai_flags = 0;
+    theError = getaddrinfo(aHost, aPort, &theHints, &theResult);
+  }
+  return theError == 0 ? theResult : NULL;
+}
+
+bool qvLogdLogger::MakeTargetAddressFromString(const qvCString& aTarget) {
+  mTargetStr = aTarget;
+  qvCString theHost = aTarget;
+  qvCString thePort = kqvLogdLogger_DefaultPort;
+  if (aTarget.Find(':') != -1) {
+    theHost = aTarget.BeforeLast(':');
+    thePort = aTarget.AfterLast(':');
+    if (thePort.IsEmpty()) {
+      thePort = kqvLogdLogger_DefaultPort;
+    }
+  }
+  if (theHost.IsEmpty() || !qvLogdLogger_S_CanBePort(thePort)) {
+    return false;
+  }
+  struct addrinfo* theAddress = qvLogdLogger_S_Resolve(theHost, thePort);
+  if (theAddress == NULL) {
+    return false;
+  }
+  memcpy(&mAddr, theAddress->ai_addr, theAddress->ai_addrlen);
+  mAddrLen = theAddress->ai_addrlen;
+  freeaddrinfo(theAddress);
+  return true;
+}
+
+static void qvLogdLogger_S_WarnOfVariable(const char* aTarget) {
+  qvCString theFile = qvLogger::GetConfigFileName();
+  fprintf(stderr,
+          kqvLogdLogger_Rule
+          "# Warning: QVRALOG is deprecated. To change log target,\n"
+          "# edit %s\n"
+          "# or _%s\n"
+          "# Current target: %s\n" kqvLogdLogger_Rule,
+          theFile.c_str(), theFile.c_str(), aTarget);
+}
+
+bool qvLogdLogger::MakeTargetAddress() {
+  qvCString theTarget = qvLogdLogger_S_ReadTarget(this);
+  qvCString theVariable = GetEnv(kqvLogdLogger_Variable);
+  if (theTarget.Contains(kqvLogdLogger_VariableMark)) {
+    theTarget.Replace(kqvLogdLogger_VariableMark, theVariable);
+  } else if (!theVariable.IsEmpty() && theVariable != theTarget) {
+    qvLogdLogger_S_WarnOfVariable(theTarget);
+  }
+  if (theTarget.IsEmpty()) {
+    theTarget = kqvLogdLogger_LocalTarget;
+  } else if (theTarget.CompareNoCase(kqvLogdLogger_NoTarget) == 0) {
+    ChangeLevel(QVLOGLEVEL_NONE);
+    return false;
+  }
+  return MakeTargetAddressFromString(theTarget);
+}
+
+static bool qvLogdLogger_S_OpenSocket(qvLogdLogger* aLogger) {
+  // Programs that the process launches do not inherit the connection.
+  aLogger->mSocket = socket(aLogger->mAddr.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (aLogger->mSocket == -1) {
+    return false;
+  }
+  int theOn = 1;
+  if (!aLogger->mfBlocking && ioctl(aLogger->mSocket, FIONBIO, &theOn) != 0) {
+    qvLogdLogger_S_CloseSocket(aLogger);  // it could make a log call wait
+    return false;
+  }
+  int theSize = kqvLogdLogger_SendBuffer;
+  setsockopt(aLogger->mSocket, SOL_SOCKET, SO_SNDBUF, &theSize, sizeof(theSize));
+  aLogger->mState = qvLogdLogger::State_Connecting;
+  return true;
+}
+
+// Whether connecting, or sending, may go on after this error.
+static bool qvLogdLogger_S_IsUnderWay(int anError) {
+  return anError == EAGAIN || anError == EINTR || anError == EINPROGRESS;
+}
+
+// 0 when the connection stands, else the error.
+static int qvLogdLogger_S_Connect(qvLogdLogger* aLogger) {
+  const struct sockaddr* theAddress = reinterpret_cast<const struct sockaddr*>(&aLogger->mAddr);
+  if (connect(aLogger->mSocket, theAddress, static_cast<socklen_t>(aLogger->mAddrLen)) == 0) {
+    return 0;
+  }
+  int theError = aLogger->getLastSocketError();
+  if (theError == EISCONN) {
+    return 0;
+  }
+  return theError == EALREADY ? EINPROGRESS : theError;
+}
+
+static void qvLogdLogger_S_StartMessage(qvLogdLogger* aLogger) {
+  aLogger->mBufferLen = 0;
+  sfRefused = false;
+}
+
+// KEEP qvLogdLoggerKept.ALossReportWithTheSameCountPrecedesTheHeader
+// The header is sent like any message, and pending losses are reported before it.
+static void qvLogdLogger_S_SendHeader(qvLogdLogger* aLogger, qvLogDataEx* aRecord) {
+  unsigned int theLost = aLogger->mLostLogs;
+  aLogger->mState = qvLogdLogger::State_Connected;
+  aLogger->mLastChar = '\n';
+  qvLogdLogger_S_StartMessage(aLogger);
+  aLogger->Append_F(aRecord, "\nPROTOCOL: qvLogd-1.0\nUUID: %s\nLOST: %u\nNAME: ", aLogger->mUUIDStr,
+                    theLost);
+  aLogger->Append_ProcessNameOrId(aRecord);
+  aLogger->Append_F(aRecord, "(log started, %u logs previously lost)\n", theLost);
+  aLogger->EndLog(aRecord);
+}
+
+bool qvLogdLogger::MakeConnected(qvLogDataEx* aRecord) {
+  if (mState == State_Connected) {
+    return true;
+  }
+  if (mState != State_Disconnected && mState != State_Connecting) {
+    qvAssertFail("Wrong state");
+  }
+  int theError = EINPROGRESS;
+  if (mState == State_Disconnected) {
+    mfHasAddress = mfHasAddress || MakeTargetAddress();
+    if (!mfHasAddress || !qvLogdLogger_S_OpenSocket(this)) {
+      return false;
+    }
+    theError = qvLogdLogger_S_Connect(this);
+  }
+  if (qvLogdLogger_S_IsUnderWay(theError)) {
+    theError = qvLogdLogger_S_Connect(this);
+  }
+  if (theError != 0) {
+    if (!qvLogdLogger_S_IsUnderWay(theError)) {
+      qvLogdLogger_S_CloseSocket(this);
+    }
+    ++mLostLogs;
+    return false;
+  }
+  qvLogdLogger_S_SendHeader(this, aRecord);
+  return mSocket != -1;
+}
+
+// poll, where select would write behind its set for a descriptor above 1023. Like there, a broken connection
+// is writable: sending will tell.
+static bool qvLogdLogger_S_IsWritable(int aSocket) {
+  struct pollfd thePoll = {aSocket, POLLOUT, 0};
+  return poll(&thePoll, 1, 0) == 1 && (thePoll.revents & POLLNVAL) == 0;
+}
+
+static bool qvLogdLogger_S_CanSend(qvLogdLogger* aLogger, qvLogDataEx* aRecord) {
+  if (!aLogger->MakeConnected(aRecord)) {
+    return false;
+  }
+  if (aLogger->mLostLogs == 0) {
+    return true;
+  }
+  if (!qvLogdLogger_S_IsWritable(aLogger->mSocket)) {
+    ++aLogger->mLostLogs;
+    return false;
+  }
+  // KEEP qvLogdLoggerKept.LossesOfAStandingConnectionAreToldOnStandardError
+  fprintf(stderr, "qvLogdLogger: Restarting, %u logs were lost.\n", aLogger->mLostLogs);
+  aLogger->mLostLogs = 0;
+  return true;
+}
+
+bool qvLogdLogger::BeginLog(qvLogDataEx* aRecord) {
+  qvLogdLogger_S_StartMessage(this);
+  if (!qvLogdLogger_S_CanSend(this, aRecord)) {
+    sfRefused = true;
+    return false;
+  }
+  qvLogdLogger_S_StartMessage(this);
+  if (mLastChar == '\n') {
+    GenerateBeginLine(aRecord);
+  }
+  return true;
+}
+
+void qvLogdLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
+  if (aLength == 0 || sfRefused) {
+    return;
+  }
+  size_t theSize = mBufferLen + aLength;
+  if (theSize > mBufferAllocLen) {
+    mBuffer = static_cast<char*>(qvRealloc(mBuffer, theSize));
+    mBufferAllocLen = theSize;
+  }
+  memcpy(mBuffer + mBufferLen, aBytes, aLength);
+  mBufferLen = theSize;
+}
+
+static void qvLogdLogger_S_ReportLosses(qvLogdLogger* aLogger) {
+  if (aLogger->mLostLogs == 0) {
+    return;
+  }
+  char theReport[kqvLogdLogger_LossReportSize];
+  int theLength = qv_snprintf(theReport, sizeof(theReport), "\nLOST: %u\n", aLogger->mLostLogs);
+  if (aLogger->Send(aLogger->mSocket, theReport, theLength) > 0) {
+    aLogger->mLostLogs = 0;
+  }
+}
+
+// KEEP qvLogdLoggerKept.TheRestOfAMessageThatWasSentInPartIsNeverSent
+// Keeping it would make the next message wait, or grow the buffer. The line is torn, and counts as lost.
+static bool qvLogdLogger_S_SendMessage(qvLogdLogger* aLogger) {
+  int theLength = static_cast<int>(aLogger->mBufferLen);
+  int theSent = aLogger->Send(aLogger->mSocket, aLogger->mBuffer, theLength);
+  if (theSent == theLength) {
+    if (theLength > 0) {
+      aLogger->mLastChar = aLogger->mBuffer[theLength - 1];
+    }
+    return true;
+  }
+  if (theSent < 0 && !qvLogdLogger_S_IsUnderWay(aLogger->getLastSocketError())) {
+    qvLogdLogger_S_CloseSocket(aLogger);
+  }
+  aLogger->mLastChar = '\n';  // so that the next message starts with a prefix
+  return false;
+}
+
+void qvLogdLogger::EndLog(qvLogDataEx*) {
+  bool theLost = true;
+  if (mSocket != -1 && mState == State_Connected) {
+    qvLogdLogger_S_ReportLosses(this);
+    // A message that was refused is in the report, if that has been sent.
+    theLost = sfRefused ? mLostLogs != 0 : !qvLogdLogger_S_SendMessage(this);
+  }
+  // KEEP qvLogdLoggerKept.ARefusedMessageCountsTwiceWhenAnotherLoggerTakesIt
+  // KEEP qvLogdLoggerKept.AMessageThatFindsNoAddressIsCountedAtItsEndWhenAnotherLoggerTakesIt
+  // Whatever was counted when it began: its end is the end of a lost message.
+  if (theLost) {
+    ++mLostLogs;
+  }
+  qvLogdLogger_S_StartMessage(this);
+}
+
+void qvLogger_qvLogd_Init(void) {
+  qvLogger::LockFramework();
+  if (qvLogdLogger::sInstance == NULL && !qvLogger::NeverLog()) {
+    new qvLogdLogger(true);  // enters the chain, which owns it
+  }
+  qvLogger::UnlockFramework();
+}

@@ -1,0 +1,142 @@
+#include "support/LogDaemonPeer.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kLimitMs = 60000;
+
+bool IsReadable(int aSocket, int aLimitMs) {
+  struct pollfd thePoll = {aSocket, POLLIN, 0};
+  return poll(&thePoll, 1, aLimitMs) == 1 && (thePoll.revents & POLLIN) != 0;
+}
+
+}  // namespace
+
+LogDaemonPeer::LogDaemonPeer() {
+  Bind();
+  Listen();
+}
+
+LogDaemonPeer::~LogDaemonPeer() {
+  Close();
+  close(mListener);
+}
+
+void LogDaemonPeer::Bind() {
+  mListener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  int theOn = 1;
+  setsockopt(mListener, SOL_SOCKET, SO_REUSEADDR, &theOn, sizeof(theOn));
+  struct sockaddr_in theAddress = {};
+  theAddress.sin_family = AF_INET;
+  theAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  theAddress.sin_port = htons(static_cast<uint16_t>(mPort));
+  socklen_t theLength = sizeof(theAddress);
+  struct sockaddr* theBytes = reinterpret_cast<struct sockaddr*>(&theAddress);
+  if (bind(mListener, theBytes, theLength) != 0 || getsockname(mListener, theBytes, &theLength) != 0) {
+    ADD_FAILURE() << "no port for the log daemon";
+  }
+  mPort = ntohs(theAddress.sin_port);
+}
+
+void LogDaemonPeer::Listen() { EXPECT_EQ(0, listen(mListener, 16)); }
+
+void LogDaemonPeer::StopListening() {
+  close(mListener);
+  Bind();  // a port that is bound and not listened to refuses
+}
+
+void LogDaemonPeer::Accept() {
+  Close();
+  if (!IsReadable(mListener, kLimitMs)) {
+    ADD_FAILURE() << "nobody connected to the log daemon";
+    return;
+  }
+  mConnection = accept4(mListener, nullptr, nullptr, SOCK_CLOEXEC);
+}
+
+bool LogDaemonPeer::HasCaller() { return IsReadable(mListener, 0); }
+
+bool LogDaemonPeer::Receive() {
+  if (mConnection == -1) {
+    Accept();
+  }
+  if (!IsReadable(mConnection, kLimitMs)) {
+    ADD_FAILURE() << "nothing came to the log daemon behind " << mUnread;
+    return false;
+  }
+  char theBytes[65536];
+  ssize_t theCount = recv(mConnection, theBytes, sizeof(theBytes), 0);
+  if (theCount <= 0) {
+    return false;
+  }
+  mUnread.append(theBytes, static_cast<size_t>(theCount));
+  return true;
+}
+
+std::string LogDaemonPeer::Take(size_t aCount) {
+  std::string theText = mUnread.substr(0, aCount);
+  mUnread.erase(0, aCount);
+  return theText;
+}
+
+std::string LogDaemonPeer::ReadUntil(const std::string& aText) {
+  size_t theFound;
+  while ((theFound = mUnread.find(aText)) == std::string::npos) {
+    if (!Receive()) {
+      ADD_FAILURE() << "the stream ended without " << aText;
+      return Take(mUnread.size());
+    }
+  }
+  return Take(theFound + aText.size());
+}
+
+std::string LogDaemonPeer::ReadToEnd() {
+  while (Receive()) {
+  }
+  return Take(mUnread.size());
+}
+
+std::string LogDaemonPeer::Read(size_t aCount) {
+  while (mUnread.size() < aCount) {
+    if (!Receive()) {
+      ADD_FAILURE() << "the stream ended";
+      break;
+    }
+  }
+  return Take(aCount);
+}
+
+std::string LogDaemonPeer::ReadWhatIsThere() {
+  if (mConnection == -1 && HasCaller()) {
+    Accept();
+  }
+  while (mConnection != -1 && IsReadable(mConnection, 0) && Receive()) {
+  }
+  return Take(mUnread.size());
+}
+
+void LogDaemonPeer::Send(const std::string& aText) {
+  EXPECT_EQ(static_cast<ssize_t>(aText.size()), send(mConnection, aText.data(), aText.size(), MSG_NOSIGNAL));
+}
+
+void LogDaemonPeer::CloseHalf() { EXPECT_EQ(0, shutdown(mConnection, SHUT_WR)); }
+
+void LogDaemonPeer::Close() {
+  if (mConnection != -1) {
+    close(mConnection);
+  }
+  mConnection = -1;
+  mUnread.clear();
+}
+
+void LogDaemonPeer::Reset() {
+  struct linger theLinger = {1, 0};
+  setsockopt(mConnection, SOL_SOCKET, SO_LINGER, &theLinger, sizeof(theLinger));
+  Close();
+}

@@ -1,0 +1,60 @@
+// LogDaemonPeer.h - a stand-in for the log daemon, on a port that the system chooses.
+//
+// It does nothing by itself: the system accepts connections and keeps what comes in until the test asks for
+// it, so a test can be the daemon that reads nothing, reads slowly, breaks off or comes back. Whatever waits
+// has a generous limit and fails the test at it.
+#ifndef TESTS_SUPPORT_LOGDAEMONPEER_H
+#define TESTS_SUPPORT_LOGDAEMONPEER_H
+
+#include <string>
+
+class LogDaemonPeer {
+ public:
+  // Listens.
+  LogDaemonPeer();
+  ~LogDaemonPeer();
+  LogDaemonPeer(const LogDaemonPeer&) = delete;
+  LogDaemonPeer& operator=(const LogDaemonPeer&) = delete;
+
+  int Port() const { return mPort; }
+  // "127.0.0.1:" and the port.
+  std::string Target() const { return "127.0.0.1:" + std::to_string(mPort); }
+
+  // From now on connections are refused; the one that stands is not touched. The port stays this test's.
+  void StopListening();
+  void Listen();
+
+  // Waits for the next connection. The one before it is closed.
+  void Accept();
+  // Whether a connection is waiting to be accepted.
+  bool HasCaller();
+  bool IsConnected() const { return mConnection != -1; }
+
+  // The next bytes of the connection, up to and with the first occurrence of a text; up to the end of the
+  // stream; aCount of them. Accepts first when there is no connection.
+  std::string ReadUntil(const std::string& aText);
+  std::string ReadToEnd();
+  std::string Read(size_t aCount);
+  // The bytes that have arrived.
+  std::string ReadWhatIsThere();
+
+  void Send(const std::string& aText);
+  // Says that nothing more will be sent; reads on.
+  void CloseHalf();
+  void Close();
+  // Closes so that the other side's next look at the connection is an error.
+  void Reset();
+
+ private:
+  void Bind();
+  // Waits for bytes and adds them to mUnread; false at the end of the stream.
+  bool Receive();
+  std::string Take(size_t aCount);
+
+  int mListener = -1;
+  int mPort = 0;
+  int mConnection = -1;
+  std::string mUnread;
+};
+
+#endif
