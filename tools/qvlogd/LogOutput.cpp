@@ -14,12 +14,10 @@
 #include "tools/qvlogd/BoundedQueue.h"
 #include "tools/qvlogd/StandardOutput.h"
 
-#define kLogOutput_Block        262144   // bytes printed before they are handed over within a turn
-#define kLogOutput_LargestSpare 1048576  // bytes of memory kept for the next block
-#define kLogOutput_Patience     20       // milliseconds in a turn
-#define kLogOutput_RetryPause   200      // milliseconds
-#define kLogOutput_ClosePause   5000     // milliseconds
-#define kLogOutput_GiveUpPause  1000     // milliseconds for a writer that was told to give up
+#define kLogOutput_Patience    20    // milliseconds in a turn
+#define kLogOutput_RetryPause  200   // milliseconds
+#define kLogOutput_ClosePause  5000  // milliseconds
+#define kLogOutput_GiveUpPause 1000  // milliseconds for a writer that was told to give up
 
 // What the loop and the writer share.
 struct LogOutput::State {
@@ -31,7 +29,7 @@ struct LogOutput::State {
 
   mutable std::mutex mMutex;  // guards all below
   std::condition_variable mChanged;
-  uint64 mDropped = 0;
+  uint64 mDropped = 0;  // lines, by the writer
   bool mfReopen = false;
   bool mfGiveUp = false;
   bool mfEnded = false;
@@ -123,14 +121,42 @@ static std::unique_ptr<LogTarget> LogOutput_S_MakeTarget(const LogOutputOptions&
   return std::make_unique<LogFiles>(anOptions, qvLogger::CurrentProcessName());
 }
 
+static int64 LogOutput_S_Now() {
+  struct timeval theNow;
+  gettimeofday(&theNow, NULL);
+  return static_cast<int64>(theNow.tv_sec) * 1000000 + theNow.tv_usec;
+}
+
+// What stands where lines are missing.
+static std::string LogOutput_S_LossLine(LogPrinter& aPrinter, uint64 aCount) {
+  LogRecord theRecord;
+  theRecord.mKind = LogRecordKind_Suppressed;
+  theRecord.mTime = LogOutput_S_Now();
+  theRecord.mProcess = qvLogger::CurrentProcessName();
+  theRecord.mCount = aCount;
+  std::string theLine;
+  aPrinter.Print(theRecord, theLine);
+  if (theLine.empty()) {  // a form that leaves events out
+    std::string theText = qvLogger::CurrentProcessName() + (": suppressed " + std::to_string(aCount));
+    theRecord.mKind = LogRecordKind_Line;
+    theRecord.mText = theText;
+    theRecord.mRaw = theText;
+    aPrinter.Print(theRecord, theLine);
+  }
+  return theLine;
+}
+
 LogOutput::LogOutput(const LogOutputOptions& anOptions)
     : LogOutput(anOptions, LogOutput_S_MakeTarget(anOptions)) {}
 
 LogOutput::LogOutput(const LogOutputOptions& anOptions, std::unique_ptr<LogTarget> aTarget)
     : mState(std::make_shared<State>(anOptions.mQueueBytes)),
-      mPrinter(anOptions.mForm, anOptions.mfColor, LogOutput_S_IsTerminal(anOptions)) {
+      mPrinter(anOptions.mForm, anOptions.mfColor, LogOutput_S_IsTerminal(anOptions)),
+      mFeeder(
+          mState->mQueue, kLogOutput_Patience,
+          [](const std::string& aBlock) { return LogOutput_S_Lines(aBlock.data(), aBlock.size()); },
+          [this](uint64 aCount) { return LogOutput_S_LossLine(mPrinter, aCount); }) {
   mState->mTarget = std::move(aTarget);
-  mPatience = kLogOutput_Patience;
 }
 
 LogOutput::~LogOutput() { Close(); }
@@ -151,70 +177,11 @@ bool LogOutput::Open(std::string* aError) {
 }
 
 void LogOutput::Take(const LogRecord& aRecord) {
-  mPrinter.Print(aRecord, mBlock);
-  if (mBlock.size() >= kLogOutput_Block) {
-    HandOver();
-  }
+  mPrinter.Print(aRecord, mFeeder.Block());
+  mFeeder.PutIfLarge();
 }
 
-void LogOutput::Flush() {
-  HandOver();
-  mPatience = kLogOutput_Patience;
-}
-
-// What a terminal or file shows of the lines that are missing in this place.
-std::string LogOutput::LossLine() {
-  struct timeval theNow;
-  gettimeofday(&theNow, NULL);
-  LogRecord theRecord;
-  theRecord.mKind = LogRecordKind_Suppressed;
-  theRecord.mTime = static_cast<int64>(theNow.tv_sec) * 1000000 + theNow.tv_usec;
-  theRecord.mProcess = qvLogger::CurrentProcessName();
-  theRecord.mCount = mUntold;
-  std::string theLine;
-  mPrinter.Print(theRecord, theLine);
-  if (theLine.empty()) {  // a form that leaves events out
-    std::string theText = qvLogger::CurrentProcessName() + (": suppressed " + std::to_string(mUntold));
-    theRecord.mKind = LogRecordKind_Line;
-    theRecord.mLevel = 'W';
-    theRecord.mText = theText;
-    theRecord.mRaw = theText;
-    mPrinter.Print(theRecord, theLine);
-  }
-  return theLine;
-}
-
-// After a loss there is nothing for a while, so that one line tells it and not one for each short gap.
-bool LogOutput::MayPut() { return mfClosing || mState->mQueue.Size() <= mState->mQueue.Capacity() / 2; }
-
-void LogOutput::DropBlock() {
-  uint64 theLines = LogOutput_S_Lines(mBlock.data(), mBlock.size());
-  mUntold += theLines;
-  mState->Locked([&] { mState->mDropped += theLines; });
-  mBlock.clear();
-}
-
-bool LogOutput::PutPatiently(std::string& aBlock) {
-  auto theStart = std::chrono::steady_clock::now();
-  bool fPut = mState->mQueue.Put(aBlock, mPatience);
-  auto theWait = std::chrono::steady_clock::now() - theStart;
-  auto theMilliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(theWait).count();
-  mPatience -= static_cast<int>(std::min<long long>(mPatience, theMilliseconds));
-  return fPut;
-}
-
-void LogOutput::HandOver() {
-  if (mUntold != 0 && MayPut()) {
-    std::string theLine = LossLine();
-    mUntold = PutPatiently(theLine) ? 0 : mUntold;
-  }
-  if (mUntold != 0 || !PutPatiently(mBlock)) {
-    DropBlock();
-  }
-  if (mBlock.capacity() > kLogOutput_LargestSpare) {
-    mBlock = std::string();
-  }
-}
+void LogOutput::Flush() { mFeeder.EndTurn(); }
 
 void LogOutput::Reopen() {
   mState->Locked([&] { mState->mfReopen = true; });
@@ -225,11 +192,9 @@ void LogOutput::Close() {
   if (!mState->mWriter.joinable()) {
     return;
   }
-  mfClosing = true;
-  mPatience = kLogOutput_ClosePause;
-  HandOver();
+  mFeeder.Finish(kLogOutput_ClosePause);
   mState->mQueue.Close();
-  if (!mState->WaitUntilDone(mPatience)) {
+  if (!mState->WaitUntilDone(mFeeder.Patience())) {
     mState->Locked([&] { mState->mfGiveUp = true; });
     if (!mState->WaitUntilDone(kLogOutput_GiveUpPause)) {
       mState->mWriter.detach();  // held inside a write; it ends with the process
@@ -240,7 +205,7 @@ void LogOutput::Close() {
 }
 
 uint64 LogOutput::Dropped() const {
-  return mState->Locked([&] { return mState->mDropped; });
+  return mFeeder.Dropped() + mState->Locked([&] { return mState->mDropped; });
 }
 
 bool LogOutput::HasEnded() const {

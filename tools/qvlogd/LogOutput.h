@@ -1,10 +1,9 @@
 // LogOutput.h - where the collector writes: standard output, or files that rotate (LogFiles.h).
 //
 // A thread of its own does the writing, behind a bounded queue, so that a slow or full disk or a terminal
-// that is stopped never stops the reading of connections. When the queue is full, Flush waits for a moment
-// and then drops; from then on everything is dropped until half of the queue is free again, and one line (the
-// event "suppressed" of the collector itself) says in that place how many lines are missing. All functions
-// but the constructor belong to one thread.
+// that is stopped never stops the reading of connections; QueueFeeder.h says what happens when the queue is
+// full. The line that tells a loss is the event "suppressed" of the collector itself. All functions but the
+// constructor belong to one thread.
 #ifndef QVLOGD_LOGOUTPUT_H
 #define QVLOGD_LOGOUTPUT_H
 
@@ -14,6 +13,7 @@
 #include "tools/logstream/LogPrinter.h"
 #include "tools/logstream/LogRecord.h"
 #include "tools/qvlogd/LogFiles.h"
+#include "tools/qvlogd/QueueFeeder.h"
 
 struct LogOutputOptions : LogFilesOptions {  // an empty mPattern: standard output
   LogForm mForm = LogForm_Short;
@@ -43,18 +43,10 @@ class LogOutput : public LogRecordSink {
 
  private:
   struct State;
-  void HandOver();
-  bool MayPut();
-  bool PutPatiently(std::string& aBlock);
-  std::string LossLine();
-  void DropBlock();
 
   std::shared_ptr<State> mState;  // shared with the writer, which a stalled disk can hold beyond our end
   LogPrinter mPrinter;
-  std::string mBlock;
-  uint64 mUntold = 0;  // dropped lines no line has told yet
-  int mPatience = 0;   // milliseconds left to wait for room in this turn
-  bool mfClosing = false;
+  QueueFeeder mFeeder;
 };
 
 #endif
