@@ -9,9 +9,12 @@
 
 #include "qvLog/qvLogger_File.h"
 #include "qvLog/qvLogger_Func.h"
+#include "qvLog/qvLogger_qvLogd.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvMutex_p.h"
+#include "support/EnvironmentVariable.h"
 #include "support/FreshProcess.h"
+#include "support/LogDaemonPeer.h"
 #include "support/RecordingLogger.h"
 
 // The sanitizers bring their own malloc.
@@ -73,6 +76,25 @@ TEST(qvLogAllocation, AMessageToAFileAndACallbackAllocatesNothing) {
   theAfter = sAllocations;
   EXPECT_EQ(theBefore + 1, theAfter) << "allocations are counted";
   free(theBlock);
+}
+
+TEST(qvLogAllocation, AMessageToALogDaemonAllocatesNothing) {
+  LogDaemonPeer theDaemon;
+  EnvironmentVariable theVariable("QVRALOG");
+  theVariable.Set(theDaemon.Target().c_str());
+  qvLogger::LockFramework();
+  qvLogdLogger::sInstance->ChangeLevel(2);
+  qvLogger::UnlockFramework();
+  for (int i = 0; i < 2; ++i) {
+    LogOne(i);  // the first message connects, and the buffer grows to the size of a message
+  }
+  EXPECT_TRUE(qvLogdLogger::sInstance->IsConnected());
+  long theBefore = sAllocations;
+  for (int i = 0; i < 10; ++i) {
+    LogOne(i);
+  }
+  long theAfter = sAllocations;
+  EXPECT_EQ(theBefore, theAfter);
 }
 
 TEST(qvLogAllocation, WithoutTheLogLockTheFirstLockOperationFailsItsAssertion) {

@@ -7,13 +7,24 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int kLimitMs = 60000;
+constexpr size_t kReceiveSize = 65536;
 
 bool IsReadable(int aSocket, int aLimitMs) {
   struct pollfd thePoll = {aSocket, POLLIN, 0};
   return poll(&thePoll, 1, aLimitMs) == 1 && (thePoll.revents & POLLIN) != 0;
+}
+
+struct sockaddr_in LocalAddress(int aPort) {
+  struct sockaddr_in theAddress = {};
+  theAddress.sin_family = AF_INET;
+  theAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  theAddress.sin_port = htons(static_cast<uint16_t>(aPort));
+  return theAddress;
 }
 
 }  // namespace
@@ -32,10 +43,7 @@ void LogDaemonPeer::Bind() {
   mListener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   int theOn = 1;
   setsockopt(mListener, SOL_SOCKET, SO_REUSEADDR, &theOn, sizeof(theOn));
-  struct sockaddr_in theAddress = {};
-  theAddress.sin_family = AF_INET;
-  theAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  theAddress.sin_port = htons(static_cast<uint16_t>(mPort));
+  struct sockaddr_in theAddress = LocalAddress(mPort);
   socklen_t theLength = sizeof(theAddress);
   struct sockaddr* theBytes = reinterpret_cast<struct sockaddr*>(&theAddress);
   if (bind(mListener, theBytes, theLength) != 0 || getsockname(mListener, theBytes, &theLength) != 0) {
@@ -51,6 +59,34 @@ void LogDaemonPeer::StopListening() {
   Bind();  // a port that is bound and not listened to refuses
 }
 
+void LogDaemonPeer::FillBacklog() {
+  // A queue of this length takes one caller, some systems' one more. The one that gets no answer has found it
+  // full.
+  EXPECT_EQ(0, listen(mListener, 0));
+  struct sockaddr_in theAddress = LocalAddress(mPort);
+  for (int i = 0; i < 4; ++i) {
+    int theSocket = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    mOthers.push_back(theSocket);
+    connect(theSocket, reinterpret_cast<struct sockaddr*>(&theAddress), sizeof(theAddress));
+    struct pollfd thePoll = {theSocket, POLLOUT, 0};
+    if (poll(&thePoll, 1, 100) == 0) {
+      return;
+    }
+  }
+  ADD_FAILURE() << "the queue of the log daemon takes everybody";
+}
+
+void LogDaemonPeer::EmptyBacklog() {
+  for (int theSocket : mOthers) {
+    close(theSocket);
+  }
+  mOthers.clear();
+  while (HasCaller()) {
+    close(accept4(mListener, nullptr, nullptr, SOCK_CLOEXEC));
+  }
+  Listen();
+}
+
 void LogDaemonPeer::Accept() {
   Close();
   if (!IsReadable(mListener, kLimitMs)) {
@@ -60,9 +96,9 @@ void LogDaemonPeer::Accept() {
   mConnection = accept4(mListener, nullptr, nullptr, SOCK_CLOEXEC);
 }
 
-bool LogDaemonPeer::HasCaller() { return IsReadable(mListener, 0); }
+bool LogDaemonPeer::HasCaller(int aLimitMs) { return IsReadable(mListener, aLimitMs); }
 
-bool LogDaemonPeer::Receive() {
+bool LogDaemonPeer::Receive(size_t aLimit) {
   if (mConnection == -1) {
     Accept();
   }
@@ -70,8 +106,8 @@ bool LogDaemonPeer::Receive() {
     ADD_FAILURE() << "nothing came to the log daemon behind " << mUnread;
     return false;
   }
-  char theBytes[65536];
-  ssize_t theCount = recv(mConnection, theBytes, sizeof(theBytes), 0);
+  char theBytes[kReceiveSize];
+  ssize_t theCount = recv(mConnection, theBytes, std::min(aLimit, kReceiveSize), 0);
   if (theCount <= 0) {
     return false;
   }
@@ -104,7 +140,7 @@ std::string LogDaemonPeer::ReadToEnd() {
 
 std::string LogDaemonPeer::Read(size_t aCount) {
   while (mUnread.size() < aCount) {
-    if (!Receive()) {
+    if (!Receive(aCount - mUnread.size())) {
       ADD_FAILURE() << "the stream ended";
       break;
     }
@@ -121,8 +157,10 @@ std::string LogDaemonPeer::ReadWhatIsThere() {
   return Take(mUnread.size());
 }
 
-void LogDaemonPeer::Send(const std::string& aText) {
-  EXPECT_EQ(static_cast<ssize_t>(aText.size()), send(mConnection, aText.data(), aText.size(), MSG_NOSIGNAL));
+void LogDaemonPeer::SendAllThatFits() {
+  const std::string theText(65536, 'z');
+  while (send(mConnection, theText.data(), theText.size(), MSG_NOSIGNAL | MSG_DONTWAIT) > 0) {
+  }
 }
 
 void LogDaemonPeer::CloseHalf() { EXPECT_EQ(0, shutdown(mConnection, SHUT_WR)); }

@@ -7,6 +7,7 @@
 #define TESTS_SUPPORT_LOGDAEMONPEER_H
 
 #include <string>
+#include <vector>
 
 class LogDaemonPeer {
  public:
@@ -24,21 +25,27 @@ class LogDaemonPeer {
   void StopListening();
   void Listen();
 
+  // Makes the daemon one that does not answer: others wait in its queue, and the system has no room for more.
+  // Then lets all of them go, and answers again.
+  void FillBacklog();
+  void EmptyBacklog();
+
   // Waits for the next connection. The one before it is closed.
   void Accept();
-  // Whether a connection is waiting to be accepted.
-  bool HasCaller();
+  // Whether a connection is waiting to be accepted, or comes within the time.
+  bool HasCaller(int aLimitMs = 0);
   bool IsConnected() const { return mConnection != -1; }
 
   // The next bytes of the connection, up to and with the first occurrence of a text; up to the end of the
-  // stream; aCount of them. Accepts first when there is no connection.
+  // stream; aCount of them, and then no more leave the system. Accepts first when there is no connection.
   std::string ReadUntil(const std::string& aText);
   std::string ReadToEnd();
   std::string Read(size_t aCount);
   // The bytes that have arrived.
   std::string ReadWhatIsThere();
 
-  void Send(const std::string& aText);
+  // Sends back as much as the system takes.
+  void SendAllThatFits();
   // Says that nothing more will be sent; reads on.
   void CloseHalf();
   void Close();
@@ -47,11 +54,12 @@ class LogDaemonPeer {
 
  private:
   void Bind();
-  // Waits for bytes and adds them to mUnread; false at the end of the stream.
-  bool Receive();
+  // Waits for bytes and adds them to mUnread, aLimit at most; false at the end of the stream.
+  bool Receive(size_t aLimit = static_cast<size_t>(-1));
   std::string Take(size_t aCount);
 
   int mListener = -1;
+  std::vector<int> mOthers;  // in the queue of a daemon that does not answer
   int mPort = 0;
   int mConnection = -1;
   std::string mUnread;
