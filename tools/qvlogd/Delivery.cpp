@@ -36,9 +36,14 @@ void Delivery::Flush() {
 
 void Delivery::Reopen() { mOutput.Reopen(); }
 
-void Delivery::Close() {}
+void Delivery::Close() {
+  mOutput.Close();
+  if (mForwarder != nullptr) {
+    mForwarder->Close();
+  }
+}
 
-bool Delivery::HasEnded() const { return false; }
+bool Delivery::HasEnded() const { return mOutput.HasEnded(); }
 
 DeliveryCounts Delivery::Counts() const {
   DeliveryCounts theCounts;

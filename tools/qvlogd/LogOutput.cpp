@@ -1,7 +1,6 @@
 #include "tools/qvlogd/LogOutput.h"
 
 #include <signal.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 
 #include "qvLog/qvLogger.h"
 #include "tools/qvlogd/BoundedQueue.h"
+#include "tools/qvlogd/Clock.h"
 #include "tools/qvlogd/StandardOutput.h"
 
 #define kLogOutput_Patience    20    // milliseconds in a turn
@@ -121,17 +121,11 @@ static std::unique_ptr<LogTarget> LogOutput_S_MakeTarget(const LogOutputOptions&
   return std::make_unique<LogFiles>(anOptions, qvLogger::CurrentProcessName());
 }
 
-static int64 LogOutput_S_Now() {
-  struct timeval theNow;
-  gettimeofday(&theNow, NULL);
-  return static_cast<int64>(theNow.tv_sec) * 1000000 + theNow.tv_usec;
-}
-
 // What stands where lines are missing.
 static std::string LogOutput_S_LossLine(LogPrinter& aPrinter, uint64 aCount) {
   LogRecord theRecord;
   theRecord.mKind = LogRecordKind_Suppressed;
-  theRecord.mTime = LogOutput_S_Now();
+  theRecord.mTime = Clock_Microseconds();
   theRecord.mProcess = qvLogger::CurrentProcessName();
   theRecord.mCount = aCount;
   std::string theLine;
