@@ -1,0 +1,31 @@
+#include "tools/logstream/LogEventName.h"
+
+bool LogEventName_ToKind(std::string_view aName, LogRecordKind* aKind) {
+  static const struct {
+    std::string_view mName;
+    LogRecordKind mKind;
+  } kEvents[] = {{"connect", LogRecordKind_Connect},
+                 {"lost", LogRecordKind_Lost},
+                 {"disconnect", LogRecordKind_Disconnect},
+                 {"suppressed", LogRecordKind_Suppressed}};
+  for (const auto& theEvent : kEvents) {
+    if (aName == theEvent.mName) {
+      *aKind = theEvent.mKind;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool LogEventName_ParseCount(std::string_view aText, uint64* aCount) {
+  uint64 theCount = 0;
+  for (char theDigit : aText) {
+    if (theDigit < '0' || theDigit > '9') {
+      return false;
+    }
+    uint64 theValue = static_cast<uint64>(theDigit - '0');
+    theCount = theCount > (UINT64_MAX - theValue) / 10 ? UINT64_MAX : theCount * 10 + theValue;
+  }
+  *aCount = theCount;
+  return !aText.empty();
+}

@@ -1,0 +1,153 @@
+// The forms short and short-iso: STAMP SENDER LEVEL MODULE THREAD: TEXT, or STAMP SENDER - EVENT.
+#include "tools/logstream/LogEventName.h"
+#include "tools/logstream/LogReader.h"
+
+static const size_t kUUIDDigits = 8;
+
+// The bytes up to the next blank, which is skipped.
+static std::string_view LogReader_S_TakeWord(std::string_view& aText) {
+  size_t theLength = aText.find(' ');
+  std::string_view theWord = aText.substr(0, theLength);
+  aText.remove_prefix(theLength == std::string_view::npos ? aText.size() : theLength + 1);
+  return theWord;
+}
+
+static int LogReader_S_HexValue(char aSign) {
+  if (aSign >= '0' && aSign <= '9') {
+    return aSign - '0';
+  }
+  return aSign >= 'a' && aSign <= 'f' ? aSign - 'a' + 10 : -1;
+}
+
+// The text with each \xNN as one byte, in aStore when there are any.
+static std::string_view LogReader_S_Unescape(std::string_view aText, std::string& aStore) {
+  if (aText.find('\\') == std::string_view::npos) {
+    return aText;
+  }
+  aStore.clear();
+  for (size_t i = 0; i < aText.size(); ++i) {
+    if (aText[i] == '\\' && i + 3 < aText.size() && aText[i + 1] == 'x') {
+      int theHigh = LogReader_S_HexValue(aText[i + 2]);
+      int theLow = LogReader_S_HexValue(aText[i + 3]);
+      if (theHigh >= 0 && theLow >= 0) {
+        aStore.push_back(static_cast<char>(theHigh * 16 + theLow));
+        i += 3;
+        continue;
+      }
+    }
+    aStore.push_back(aText[i]);
+  }
+  return aStore;
+}
+
+static std::string_view LogReader_S_Field(std::string_view aWord, std::string& aStore) {
+  return aWord == "-" ? std::string_view() : LogReader_S_Unescape(aWord, aStore);
+}
+
+// "connect", "connect, 3 lost before", "lost 3", "disconnect", "suppressed 3"
+static bool LogReader_S_ReadEvent(std::string_view aText, LogRecord* aRecord) {
+  static const std::string_view kLostBefore = " lost before";
+  std::string_view theName = aText.substr(0, aText.find_first_of(", "));
+  if (!LogEventName_ToKind(theName, &aRecord->mKind)) {
+    return false;
+  }
+  std::string_view theRest = aText.substr(theName.size());
+  bool theHasCount = aRecord->mKind == LogRecordKind_Lost || aRecord->mKind == LogRecordKind_Suppressed;
+  if (theHasCount) {
+    return !theRest.empty() && theRest.front() == ' ' &&
+           LogEventName_ParseCount(theRest.substr(1), &aRecord->mCount);
+  }
+  if (theRest.empty()) {
+    return true;
+  }
+  return aRecord->mKind == LogRecordKind_Connect && theRest.substr(0, 2) == ", " &&
+         theRest.size() > 2 + kLostBefore.size() &&
+         theRest.substr(theRest.size() - kLostBefore.size()) == kLostBefore &&
+         LogEventName_ParseCount(theRest.substr(2, theRest.size() - 2 - kLostBefore.size()),
+                                 &aRecord->mCount);
+}
+
+// "player-1a2b3c4d", "player" or "-"
+void LogReader::ReadSender(std::string_view aSender, LogRecord* aRecord) {
+  size_t theDash = aSender.size() > kUUIDDigits ? aSender.size() - kUUIDDigits - 1 : 0;
+  bool theHasUUID = aSender.size() > kUUIDDigits && aSender[theDash] == '-';
+  for (size_t i = theDash + 1; theHasUUID && i < aSender.size(); ++i) {
+    theHasUUID = LogReader_S_HexValue(aSender[i]) >= 0;
+  }
+  if (theHasUUID) {
+    aRecord->mUUID = aSender.substr(theDash + 1);
+    aSender = aSender.substr(0, theDash);
+  }
+  aRecord->mProcess = LogReader_S_Field(aSender, mProcess);
+}
+
+// What follows the stamp and its blank.
+bool LogReader::ReadShortLine(std::string_view aStamp, std::string_view aText, LogRecord* aRecord) {
+  std::string_view theSender = LogReader_S_TakeWord(aText);
+  std::string_view theLevel = LogReader_S_TakeWord(aText);
+  if (theSender.empty() || theLevel.size() != 1 ||
+      std::string_view("EWID-").find(theLevel[0]) == std::string_view::npos) {
+    return false;
+  }
+  ReadSender(theSender, aRecord);
+  if (theLevel == "-" && LogReader_S_ReadEvent(aText, aRecord)) {
+    return true;
+  }
+  std::string_view theModule = LogReader_S_TakeWord(aText);
+  std::string_view theThread = LogReader_S_TakeWord(aText);
+  if (theModule.empty() || theThread.size() < 2 ||
+      std::string_view(":+~").find(theThread.back()) == std::string_view::npos) {
+    return false;
+  }
+  aRecord->mKind = LogRecordKind_Line;
+  aRecord->mLevel = theLevel == "-" ? '\0' : theLevel[0];
+  aRecord->mModule = LogReader_S_Field(theModule, mModule);
+  aRecord->mThread = LogReader_S_Field(theThread.substr(0, theThread.size() - 1), mThread);
+  aRecord->mfContinuation = theThread.back() == '+';
+  aRecord->mfPartial = theThread.back() == '~';
+  aRecord->mText = LogReader_S_Unescape(aText, mText);
+  MakeRaw(aStamp, aRecord);
+  return true;
+}
+
+// Only colours bring an escape character into these forms.
+void LogReader::RemoveColors(std::string_view aLine) {
+  mPlain.clear();
+  while (!aLine.empty()) {
+    size_t theEscape = aLine.find("\x1B[");
+    mPlain.append(aLine.substr(0, theEscape));
+    if (theEscape == std::string_view::npos) {
+      return;
+    }
+    size_t theEnd = aLine.find_first_not_of("0123456789;", theEscape + 2);
+    bool theIsColor = theEnd != std::string_view::npos && aLine[theEnd] == 'm';
+    if (!theIsColor) {
+      theEnd = theEscape;
+      mPlain.push_back(aLine[theEscape]);
+    }
+    aLine.remove_prefix(theEnd + 1);
+  }
+}
+
+bool LogReader::ReadShort(std::string_view aLine, LogRecord* aRecord) {
+  static const size_t kClockLength = 12;  // "14:03:07.042"
+  if (aLine.find('\x1B') != std::string_view::npos) {
+    RemoveColors(aLine);
+    aLine = mPlain;
+  }
+  std::string_view theRest = aLine;
+  bool theIsISO = mTimes.TakeISO(theRest, &aRecord->mTime);
+  if ((!theIsISO && !mTimes.TakeShort(theRest, &aRecord->mTime)) || theRest.empty() ||
+      theRest.front() != ' ') {
+    return false;
+  }
+  // Both stamps show the clock in the same order, the day in front of it.
+  std::string_view theClock = aLine.substr(theIsISO ? 11 : 7, kClockLength);
+  mStamp.assign(theClock);
+  if (theClock.size() == kClockLength && theClock[8] == '.') {
+    mStamp[8] = ':';
+  } else {
+    mStamp.clear();
+  }
+  return ReadShortLine(mStamp, theRest.substr(1), aRecord);
+}
