@@ -28,12 +28,36 @@ static char LogReader_S_JSONLevel(std::string_view aName) {
   return 0;
 }
 
-// Members that are not known are skipped, so that a later collector may say more.
-bool LogReader::TakeJSONMember(const JSONMember& aMember, LogRecord* aRecord) {
+// False for a member that is not known.
+bool LogReader::TakeJSONText(const JSONMember& aMember, LogRecord* aRecord) {
+  if (aMember.mKey == "level") {
+    aRecord->mLevel = LogReader_S_JSONLevel(aMember.mValue);
+    return true;
+  }
+  const struct {
+    std::string_view mKey;
+    std::string_view* mField;
+    std::string& mStore;
+  } kFields[] = {{"process", &aRecord->mProcess, mProcess}, {"uuid", &aRecord->mUUID, mUUID},
+                 {"thread", &aRecord->mThread, mThread},    {"module", &aRecord->mModule, mModule},
+                 {"msg", &aRecord->mText, mText},           {"stamp", &aRecord->mStamp, mStamp}};
+  for (const auto& theField : kFields) {
+    if (aMember.mKey == theField.mKey) {
+      *theField.mField = LogReader_S_JSONText(aMember.mValue, theField.mStore);
+      return true;
+    }
+  }
+  return false;
+}
+
+// False for a member with a value that it cannot have.
+bool LogReader::TakeJSONMember(const JSONMember& aMember, LogRecord* aRecord, bool* afKnown) {
   if (aMember.mKind == JSONKind_Number) {
-    return aMember.mKey != "count" || LogEventName_ParseCount(aMember.mValue, &aRecord->mCount);
+    *afKnown = aMember.mKey == "count";
+    return !*afKnown || LogEventName_ParseCount(aMember.mValue, &aRecord->mCount);
   }
   if (aMember.mKind == JSONKind_Word) {
+    *afKnown = aMember.mKey == "continuation" || aMember.mKey == "partial";
     aRecord->mfContinuation |= aMember.mKey == "continuation" && aMember.mValue == "true";
     aRecord->mfPartial |= aMember.mKey == "partial" && aMember.mValue == "true";
     return true;
@@ -45,36 +69,28 @@ bool LogReader::TakeJSONMember(const JSONMember& aMember, LogRecord* aRecord) {
   if (aMember.mKey == "event") {
     return LogEventName_ToKind(aMember.mValue, &aRecord->mKind);
   }
-  if (aMember.mKey == "level") {
-    aRecord->mLevel = LogReader_S_JSONLevel(aMember.mValue);
-  } else if (aMember.mKey == "process") {
-    aRecord->mProcess = LogReader_S_JSONText(aMember.mValue, mProcess);
-  } else if (aMember.mKey == "uuid") {
-    aRecord->mUUID = LogReader_S_JSONText(aMember.mValue, mUUID);
-  } else if (aMember.mKey == "thread") {
-    aRecord->mThread = LogReader_S_JSONText(aMember.mValue, mThread);
-  } else if (aMember.mKey == "module") {
-    aRecord->mModule = LogReader_S_JSONText(aMember.mValue, mModule);
-  } else if (aMember.mKey == "stamp") {
-    aRecord->mStamp = LogReader_S_JSONText(aMember.mValue, mStamp);
-  } else if (aMember.mKey == "msg") {
-    aRecord->mText = LogReader_S_JSONText(aMember.mValue, mText);
-  }
+  *afKnown = TakeJSONText(aMember, aRecord);
   return true;
 }
 
-// An object of somebody else's is text: ours begin with the time.
+// An object of somebody else's is text. Ours have a time, but for lines of which it was not known; those hold
+// nothing that we do not know.
 bool LogReader::ReadJSON(std::string_view aLine, LogRecord* aRecord) {
   JSONLine theLine(aLine);
   JSONMember theMember;
-  bool theIsFirst = true;
+  bool theHasTime = false;
+  bool theHasContent = false;
+  bool theIsAllKnown = true;
   while (theLine.Next(&theMember)) {
-    if ((theIsFirst && theMember.mKey != "ts") || !TakeJSONMember(theMember, aRecord)) {
+    bool theIsKnown = true;
+    if (!TakeJSONMember(theMember, aRecord, &theIsKnown)) {
       return false;
     }
-    theIsFirst = false;
+    theHasTime |= theMember.mKey == "ts";
+    theHasContent |= theMember.mKey == "msg" || theMember.mKey == "event";
+    theIsAllKnown &= theIsKnown;
   }
-  if (theIsFirst || !theLine.IsComplete()) {
+  if (!theHasContent || !theLine.IsComplete() || !(theHasTime || theIsAllKnown)) {
     return false;
   }
   MakeRaw(aRecord->mStamp, aRecord);

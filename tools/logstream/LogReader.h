@@ -31,11 +31,12 @@ class LogReader {
 
  private:
   bool ReadJSON(std::string_view aLine, LogRecord* aRecord);
-  bool TakeJSONMember(const JSONMember& aMember, LogRecord* aRecord);
+  bool TakeJSONMember(const JSONMember& aMember, LogRecord* aRecord, bool* afKnown);
+  bool TakeJSONText(const JSONMember& aMember, LogRecord* aRecord);
   bool ReadRaw(std::string_view aLine, LogRecord* aRecord);
   bool ReadShort(std::string_view aLine, LogRecord* aRecord);
   bool ReadShortLine(std::string_view aStamp, std::string_view aText, LogRecord* aRecord);
-  void ReadSender(std::string_view aSender, LogRecord* aRecord);
+  bool ReadSender(std::string_view aSender, LogRecord* aRecord);
   void RemoveColors(std::string_view aLine);
   LogRecord ReadText(std::string_view aLine) const;
   void MakeRaw(std::string_view aStamp, LogRecord* aRecord);

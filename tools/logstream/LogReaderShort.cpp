@@ -1,8 +1,13 @@
 // The forms short and short-iso: STAMP SENDER LEVEL MODULE THREAD: TEXT, or STAMP SENDER - EVENT.
+#include "tools/logstream/LogEscape.h"
 #include "tools/logstream/LogEventName.h"
 #include "tools/logstream/LogReader.h"
 
 static const size_t kUUIDDigits = 8;
+static const size_t kClockLength = 12;  // "14:03:07.042"
+static const size_t kPointInClock = 8;
+static const size_t kClockInISO = 11;
+static const size_t kClockInShort = 7;
 
 // The bytes up to the next blank, which is skipped.
 static std::string_view LogReader_S_TakeWord(std::string_view& aText) {
@@ -40,8 +45,13 @@ static std::string_view LogReader_S_Unescape(std::string_view aText, std::string
   return aStore;
 }
 
-static std::string_view LogReader_S_Field(std::string_view aWord, std::string& aStore) {
-  return aWord == "-" ? std::string_view() : LogReader_S_Unescape(aWord, aStore);
+// False for what the printer cannot have written.
+static bool LogReader_S_ReadField(std::string_view aWord, std::string& aStore, std::string_view* aField) {
+  if (!LogEscape_ReadField(aWord, &aStore)) {
+    return false;
+  }
+  *aField = aStore;
+  return true;
 }
 
 // "connect", "connect, 3 lost before", "lost 3", "disconnect", "suppressed 3"
@@ -67,8 +77,8 @@ static bool LogReader_S_ReadEvent(std::string_view aText, LogRecord* aRecord) {
                                  &aRecord->mCount);
 }
 
-// "player-1a2b3c4d", "player" or "-"
-void LogReader::ReadSender(std::string_view aSender, LogRecord* aRecord) {
+// "player-1a2b3c4d", "player", "-1a2b3c4d" or "-"
+bool LogReader::ReadSender(std::string_view aSender, LogRecord* aRecord) {
   size_t theDash = aSender.size() > kUUIDDigits ? aSender.size() - kUUIDDigits - 1 : 0;
   bool theHasUUID = aSender.size() > kUUIDDigits && aSender[theDash] == '-';
   for (size_t i = theDash + 1; theHasUUID && i < aSender.size(); ++i) {
@@ -78,31 +88,29 @@ void LogReader::ReadSender(std::string_view aSender, LogRecord* aRecord) {
     aRecord->mUUID = aSender.substr(theDash + 1);
     aSender = aSender.substr(0, theDash);
   }
-  aRecord->mProcess = LogReader_S_Field(aSender, mProcess);
+  return aSender.empty() ? theHasUUID : LogReader_S_ReadField(aSender, mProcess, &aRecord->mProcess);
 }
 
 // What follows the stamp and its blank.
 bool LogReader::ReadShortLine(std::string_view aStamp, std::string_view aText, LogRecord* aRecord) {
   std::string_view theSender = LogReader_S_TakeWord(aText);
   std::string_view theLevel = LogReader_S_TakeWord(aText);
-  if (theSender.empty() || theLevel.size() != 1 ||
-      std::string_view("EWID-").find(theLevel[0]) == std::string_view::npos) {
+  if (theLevel.size() != 1 || std::string_view("EWID-").find(theLevel[0]) == std::string_view::npos ||
+      !ReadSender(theSender, aRecord)) {
     return false;
   }
-  ReadSender(theSender, aRecord);
   if (theLevel == "-" && LogReader_S_ReadEvent(aText, aRecord)) {
     return true;
   }
   std::string_view theModule = LogReader_S_TakeWord(aText);
   std::string_view theThread = LogReader_S_TakeWord(aText);
-  if (theModule.empty() || theThread.size() < 2 ||
-      std::string_view(":+~").find(theThread.back()) == std::string_view::npos) {
+  if (theThread.empty() || std::string_view(":+~").find(theThread.back()) == std::string_view::npos ||
+      !LogReader_S_ReadField(theModule, mModule, &aRecord->mModule) ||
+      !LogReader_S_ReadField(theThread.substr(0, theThread.size() - 1), mThread, &aRecord->mThread)) {
     return false;
   }
   aRecord->mKind = LogRecordKind_Line;
   aRecord->mLevel = theLevel == "-" ? '\0' : theLevel[0];
-  aRecord->mModule = LogReader_S_Field(theModule, mModule);
-  aRecord->mThread = LogReader_S_Field(theThread.substr(0, theThread.size() - 1), mThread);
   aRecord->mfContinuation = theThread.back() == '+';
   aRecord->mfPartial = theThread.back() == '~';
   aRecord->mText = LogReader_S_Unescape(aText, mText);
@@ -130,10 +138,13 @@ void LogReader::RemoveColors(std::string_view aLine) {
 }
 
 bool LogReader::ReadShort(std::string_view aLine, LogRecord* aRecord) {
-  static const size_t kClockLength = 12;  // "14:03:07.042"
   if (aLine.find('\x1B') != std::string_view::npos) {
     RemoveColors(aLine);
     aLine = mPlain;
+  }
+  // A time that is not known is "-" too.
+  if (aLine.substr(0, 2) == "- ") {
+    return ReadShortLine("", aLine.substr(2), aRecord);
   }
   std::string_view theRest = aLine;
   bool theIsISO = mTimes.TakeISO(theRest, &aRecord->mTime);
@@ -142,12 +153,11 @@ bool LogReader::ReadShort(std::string_view aLine, LogRecord* aRecord) {
     return false;
   }
   // Both stamps show the clock in the same order, the day in front of it.
-  std::string_view theClock = aLine.substr(theIsISO ? 11 : 7, kClockLength);
-  mStamp.assign(theClock);
-  if (theClock.size() == kClockLength && theClock[8] == '.') {
-    mStamp[8] = ':';
+  mStamp.assign(aLine.substr(theIsISO ? kClockInISO : kClockInShort, kClockLength));
+  if (mStamp[kPointInClock] == '.') {
+    mStamp[kPointInClock] = ':';
   } else {
-    mStamp.clear();
+    mStamp.clear();  // whole seconds, which the printer does not write
   }
   return ReadShortLine(mStamp, theRest.substr(1), aRecord);
 }

@@ -65,6 +65,7 @@ TEST_F(LogReaderTest, ADashIsAnAbsentField) {
 TEST_F(LogReaderTest, AProcessMayHaveDashesAndNoUUID) {
   EXPECT_EQ("0 I my-player/1a2b3c4d 1 M 0 t", Fields("Nov 21 14:03:07.042 my-player-1a2b3c4d I M 1: t"));
   EXPECT_EQ("0 I my-player/ 1 M 0 t", Fields("Nov 21 14:03:07.042 my-player I M 1: t"));
+  EXPECT_EQ("0 I /1a2b3c4d 1 M 0 t", Fields("Nov 21 14:03:07.042 -1a2b3c4d I M 1: t"));
   EXPECT_EQ("0 I my-1A2B3C4D/ 1 M 0 t", Fields("Nov 21 14:03:07.042 my-1A2B3C4D I M 1: t"));
 }
 
@@ -166,15 +167,35 @@ TEST_F(LogReaderTest, JSONMembersThatAreNotKnownAreSkipped) {
             Fields("{\"ts\":\"2026-11-21T14:03:07Z\",\"host\":\"h\",\"n\":1,\"x\":null,\"msg\":\"t\"}"));
 }
 
+TEST_F(LogReaderTest, ALineWhoseTimeWasNotKnownIsRead) {
+  EXPECT_EQ("0 I p/1a2b3c4d b6f2a000 M 0 t", Fields("- p-1a2b3c4d I M b6f2a000: t"));
+  EXPECT_EQ(0, mRecord.mTime);
+  EXPECT_EQ("0 - /   0 t", Fields("{\"msg\":\"t\"}"));
+  EXPECT_EQ(0, mRecord.mTime);
+}
+
 TEST_F(LogReaderTest, WhatIsInNoFormIsTextAlone) {
-  for (const char* theLine :
-       {"", "text", "{\"msg\":\"no time first\"}", "{\"ts\":\"noon\",\"msg\":\"t\"}", "{}",
-        "{\"ts\":\"2026-11-21", "{\"ts\":\"2026-11-21T14:03:07Z\",\"event\":\"unknown\"}",
-        "{\"ts\":\"2026-11-21T14:03:07Z\",\"event\":\"lost\",\"count\":-1}", "Nov 21 14:03:07.042",
-        "Nov 21 14:03:07.042 p", "Nov 21 14:03:07.042 p X M 1: t", "Nov 21 14:03:07.042 p I M 1 t",
-        "Nov 21 14:03:07.042 p - unknown 3", "Nov 21 14:03:07.042 p - lost", "Nov 21 14:03:07.042 p - lost x",
-        "Nov 21 14:03:07.042 p - connect, lost before", "2026-11-21T14:03:07Z",
-        "I 14:03:07:042|b6f2a000|GRAPHICS"}) {
+  for (const char* theLine : {"",
+                              "text",
+                              "{\"msg\":\"no time\",\"x\":1}",
+                              "{\"ts\":\"2026-11-21T14:03:07Z\",\"x\":1}",
+                              "{\"ts\":\"noon\",\"msg\":\"t\"}",
+                              "{}",
+                              "{\"ts\":\"2026-11-21",
+                              "{\"ts\":\"2026-11-21T14:03:07Z\",\"event\":\"unknown\"}",
+                              "{\"ts\":\"2026-11-21T14:03:07Z\",\"event\":\"lost\",\"count\":-1}",
+                              "Nov 21 14:03:07.042",
+                              "Nov 21 14:03:07.042 p",
+                              "Nov 21 14:03:07.042 p X M 1: t",
+                              "Nov 21 14:03:07.042 p I M 1 t",
+                              "Nov 21 14:03:07.042 p I \\y 1: t",
+                              "- list item",
+                              "Nov 21 14:03:07.042 p - unknown 3",
+                              "Nov 21 14:03:07.042 p - lost",
+                              "Nov 21 14:03:07.042 p - lost x",
+                              "Nov 21 14:03:07.042 p - connect, lost before",
+                              "2026-11-21T14:03:07Z",
+                              "I 14:03:07:042|b6f2a000|GRAPHICS"}) {
     EXPECT_EQ("0 - /   0 " + std::string(theLine), Fields(theLine));
     EXPECT_EQ(0, mRecord.mTime) << theLine;
     EXPECT_EQ(theLine, mRecord.mRaw);
