@@ -3,8 +3,8 @@
 // What a form leaves out stays empty, with these exceptions. The short forms know the first eight digits of
 // the UUID. Raw lines have their sender's time, since the collector's is not in them. mRaw is put together
 // again for lines of the other forms, in the short ones with the collector's time as the stamp. A line
-// without a prefix behind a raw line is a later line of the same message. Escapes \xNN become bytes again,
-// and colours are taken off.
+// without a prefix behind a raw line is a later line of the same message. Escapes \xNN are
+// resolved in names but not in texts, which may have held them from the start. Colours are taken off.
 #ifndef LOGSTREAM_LOGREADER_H
 #define LOGSTREAM_LOGREADER_H
 

@@ -17,32 +17,8 @@ static std::string_view LogReader_S_TakeWord(std::string_view& aText) {
   return theWord;
 }
 
-static int LogReader_S_HexValue(char aSign) {
-  if (aSign >= '0' && aSign <= '9') {
-    return aSign - '0';
-  }
-  return aSign >= 'a' && aSign <= 'f' ? aSign - 'a' + 10 : -1;
-}
-
-// The text with each \xNN as one byte, in aStore when there are any.
-static std::string_view LogReader_S_Unescape(std::string_view aText, std::string& aStore) {
-  if (aText.find('\\') == std::string_view::npos) {
-    return aText;
-  }
-  aStore.clear();
-  for (size_t i = 0; i < aText.size(); ++i) {
-    if (aText[i] == '\\' && i + 3 < aText.size() && aText[i + 1] == 'x') {
-      int theHigh = LogReader_S_HexValue(aText[i + 2]);
-      int theLow = LogReader_S_HexValue(aText[i + 3]);
-      if (theHigh >= 0 && theLow >= 0) {
-        aStore.push_back(static_cast<char>(theHigh * 16 + theLow));
-        i += 3;
-        continue;
-      }
-    }
-    aStore.push_back(aText[i]);
-  }
-  return aStore;
+static bool LogReader_S_IsHexDigit(char aSign) {
+  return (aSign >= '0' && aSign <= '9') || (aSign >= 'a' && aSign <= 'f');
 }
 
 // False for what the printer cannot have written.
@@ -82,7 +58,7 @@ bool LogReader::ReadSender(std::string_view aSender, LogRecord* aRecord) {
   size_t theDash = aSender.size() > kUUIDDigits ? aSender.size() - kUUIDDigits - 1 : 0;
   bool theHasUUID = aSender.size() > kUUIDDigits && aSender[theDash] == '-';
   for (size_t i = theDash + 1; theHasUUID && i < aSender.size(); ++i) {
-    theHasUUID = LogReader_S_HexValue(aSender[i]) >= 0;
+    theHasUUID = LogReader_S_IsHexDigit(aSender[i]);
   }
   if (theHasUUID) {
     aRecord->mUUID = aSender.substr(theDash + 1);
@@ -113,7 +89,8 @@ bool LogReader::ReadShortLine(std::string_view aStamp, std::string_view aText, L
   aRecord->mLevel = theLevel == "-" ? '\0' : theLevel[0];
   aRecord->mfContinuation = theThread.back() == '+';
   aRecord->mfPartial = theThread.back() == '~';
-  aRecord->mText = LogReader_S_Unescape(aText, mText);
+  // A text may have held what looks like an escape, so those in it stay as they are.
+  aRecord->mText = aText;
   MakeRaw(aStamp, aRecord);
   return true;
 }

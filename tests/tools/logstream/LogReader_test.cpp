@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TimeZone.h"
+#include "tools/logstream/LogPrinter.h"
 
 namespace {
 
@@ -90,10 +91,10 @@ TEST_F(LogReaderTest, ACountThatIsTooLargeIsCut) {
   EXPECT_EQ("2 - p/   18446744073709551615 ", Fields("Nov 21 14:03:07.042 p - lost 99999999999999999999"));
 }
 
-TEST_F(LogReaderTest, EscapesOfTheShortFormsBecomeBytes) {
-  EXPECT_EQ("0 I my player/1a2b3c4d 1 A B 0 a\x1B[m\xFF\\xZZ\\",
+TEST_F(LogReaderTest, EscapesBecomeBytesInNamesAndStayInTexts) {
+  EXPECT_EQ("0 I my player/1a2b3c4d 1 A B 0 a\\x1b[m\\xff\\",
             Fields("Nov 21 14:03:07.042 my\\x20player-1a2b3c4d I A\\x20"
-                   "B 1: a\\x1b[m\\xff\\xZZ\\"));
+                   "B 1: a\\x1b[m\\xff\\"));
 }
 
 TEST_F(LogReaderTest, ColorsAreTakenOff) {
@@ -223,4 +224,142 @@ TEST_F(LogReaderTest, ALineOfAMegabyteIsRead) {
   std::string theText(1048576, 'x');
   const LogRecord& theRecord = Read("Nov 21 14:03:07.042 p I GRAPHICS b6f2a000: " + theText);
   EXPECT_EQ(theText, theRecord.mText);
+}
+
+// --- What was printed is read back
+
+namespace {
+
+const char kUUID[] = "1a2b3c4d-0000-1000-8000-0123456789ab";
+
+class LogReaderPrinted : public ::testing::Test {
+ protected:
+  LogRecord Line() const {
+    LogRecord theRecord;
+    theRecord.mTime = kNow;
+    theRecord.mProcess = "my player";
+    theRecord.mUUID = kUUID;
+    theRecord.mLevel = 'W';
+    theRecord.mStamp = "15:03:06:999";
+    theRecord.mThread = "b6f2a000";
+    theRecord.mModule = "GRAPHICS";
+    theRecord.mText = "a \"text\"\t\\x41 with \xC3\xA4 and \xF0\x9F\x98\x80";
+    theRecord.mRaw = "W 15:03:06:999|b6f2a000|GRAPHICS   raw text \xFF\x01";
+    return theRecord;
+  }
+
+  std::string Print(LogForm aForm, const LogRecord& aRecord, bool afColor = false) {
+    std::string theLine;
+    LogPrinter(aForm, afColor, false).Print(aRecord, theLine);
+    EXPECT_EQ('\n', theLine.back());
+    theLine.pop_back();
+    return theLine;
+  }
+
+  const LogRecord& PrintAndRead(LogForm aForm, const LogRecord& aRecord, bool afColor = false) {
+    mLine = Print(aForm, aRecord, afColor);
+    mRecord = mReader.Read(mLine);
+    return mRecord;
+  }
+
+  TimeZone mZone{"CET-1CEST,M3.5.0,M10.5.0/3"};
+  LogReader mReader{kNow};
+  std::string mLine;
+  LogRecord mRecord;
+};
+
+}  // namespace
+
+TEST_F(LogReaderPrinted, JSONKeepsAllOfALine) {
+  LogRecord theLine = Line();
+  theLine.mText = std::string_view("a\0\x01\x1B[1m", 7);
+  theLine.mfContinuation = true;
+  theLine.mfPartial = true;
+  const LogRecord& theRead = PrintAndRead(LogForm_JSON, theLine);
+  EXPECT_EQ(kNow, theRead.mTime);
+  EXPECT_EQ("my player", theRead.mProcess);
+  EXPECT_EQ(kUUID, theRead.mUUID);
+  EXPECT_EQ('W', theRead.mLevel);
+  EXPECT_EQ("15:03:06:999", theRead.mStamp);
+  EXPECT_EQ("b6f2a000", theRead.mThread);
+  EXPECT_EQ("GRAPHICS", theRead.mModule);
+  EXPECT_EQ(theLine.mText, theRead.mText);
+  EXPECT_TRUE(theRead.mfContinuation);
+  EXPECT_TRUE(theRead.mfPartial);
+}
+
+TEST_F(LogReaderPrinted, TheShortFormsKeepAllButTheStampAndTheEndOfTheUUID) {
+  for (LogForm theForm : {LogForm_Short, LogForm_ShortISO}) {
+    for (bool theHasColor : {false, true}) {
+      LogRecord theLine = Line();
+      const LogRecord& theRead = PrintAndRead(theForm, theLine, theHasColor);
+      EXPECT_EQ(theForm == LogForm_Short ? kNow - 123 : kNow, theRead.mTime);
+      EXPECT_EQ("my player", theRead.mProcess);
+      EXPECT_EQ("1a2b3c4d", theRead.mUUID);
+      EXPECT_EQ('W', theRead.mLevel);
+      EXPECT_EQ("", theRead.mStamp);
+      EXPECT_EQ("b6f2a000", theRead.mThread);
+      EXPECT_EQ("GRAPHICS", theRead.mModule);
+      EXPECT_EQ(theLine.mText, theRead.mText);
+      EXPECT_FALSE(theRead.mfContinuation);
+      EXPECT_FALSE(theRead.mfPartial);
+    }
+  }
+}
+
+TEST_F(LogReaderPrinted, TheShortFormsKeepControlCharactersAsTheyWereShown) {
+  LogRecord theLine = Line();
+  theLine.mText = "\x1B[1m\xFF";
+  EXPECT_EQ("\\x1b[1m\\xff", PrintAndRead(LogForm_Short, theLine).mText);
+}
+
+TEST_F(LogReaderPrinted, TheShortFormsKeepWhatALineIs) {
+  LogRecord theLine = Line();
+  theLine.mfContinuation = true;
+  EXPECT_TRUE(PrintAndRead(LogForm_Short, theLine).mfContinuation);
+  theLine.mfPartial = true;
+  EXPECT_TRUE(PrintAndRead(LogForm_Short, theLine).mfPartial);
+}
+
+TEST_F(LogReaderPrinted, RawKeepsTheLineAsItCame) {
+  const LogRecord& theRead = PrintAndRead(LogForm_Raw, Line());
+  EXPECT_EQ(Line().mRaw, theRead.mRaw);
+  EXPECT_EQ('W', theRead.mLevel);
+  EXPECT_EQ("15:03:06:999", theRead.mStamp);
+  EXPECT_EQ(kNow - 43123, theRead.mTime) << "the sender's";
+  EXPECT_EQ("b6f2a000", theRead.mThread);
+  EXPECT_EQ("GRAPHICS", theRead.mModule);
+  EXPECT_EQ("raw text \xFF\x01", theRead.mText);
+}
+
+TEST_F(LogReaderPrinted, EventsAreReadBack) {
+  for (LogForm theForm : {LogForm_Short, LogForm_ShortISO, LogForm_JSON}) {
+    for (LogRecordKind theKind : {LogRecordKind_Connect, LogRecordKind_Lost, LogRecordKind_Suppressed}) {
+      LogRecord theEvent;
+      theEvent.mKind = theKind;
+      theEvent.mTime = kNow;
+      theEvent.mProcess = "player";
+      theEvent.mUUID = kUUID;
+      theEvent.mCount = 18446744073709551615ULL;
+      const LogRecord& theRead = PrintAndRead(theForm, theEvent);
+      EXPECT_EQ(theKind, theRead.mKind) << mLine;
+      EXPECT_EQ("player", theRead.mProcess);
+      EXPECT_EQ(18446744073709551615ULL, theRead.mCount) << mLine;
+    }
+  }
+}
+
+TEST_F(LogReaderPrinted, AbsentFieldsStayAbsent) {
+  for (LogForm theForm : {LogForm_Short, LogForm_ShortISO, LogForm_JSON}) {
+    LogRecord theLine;
+    theLine.mText = "text";
+    const LogRecord& theRead = PrintAndRead(theForm, theLine);
+    EXPECT_EQ(0, theRead.mTime);
+    EXPECT_EQ(0, theRead.mLevel);
+    EXPECT_EQ("", theRead.mProcess);
+    EXPECT_EQ("", theRead.mUUID);
+    EXPECT_EQ("", theRead.mThread);
+    EXPECT_EQ("", theRead.mModule);
+    EXPECT_EQ("text", theRead.mText);
+  }
 }
