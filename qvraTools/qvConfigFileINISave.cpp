@@ -24,8 +24,10 @@ static void qvConfigFile_INI_S_RepairLocked(const char* aFileName, const char* a
   if (qvFile_Exists(aTemporaryName)) {
     qvFile_Remove(aTemporaryName);
   }
-  if (qvFile_Exists(aCompletedName)) {
-    qvFile_Rename(aCompletedName, aFileName);
+  if (qvFile_Exists(aCompletedName) && qvFile_Rename(aCompletedName, aFileName) == 0) {
+    // A power failure in the middle of this rename can leave both names of one file. Then the system takes
+    // the rename for done and leaves both as well.
+    qvFile_Remove(aCompletedName);
   }
 }
 
@@ -33,8 +35,10 @@ static int qvConfigFile_INI_S_SaveLocked(const char* aFileName, const char* aTem
                                          const char* aCompletedName, qvDictionary* aDictionary,
                                          qvDirLock aLock) {
   // A leftover is removed rather than overwritten: whoever still has it open, without the lock, writes into
-  // the leftover and not into this save.
-  qvFile_Remove(aTemporaryName);
+  // the leftover and not into this save. It may even be FILE.ok under a second name.
+  if (qvFile_Remove(aTemporaryName) != 0) {
+    return 0;
+  }
   if (!qvINIFile_S_SaveINIFileDurably(aTemporaryName, aDictionary) ||
       qvFile_Rename(aTemporaryName, aCompletedName) != 0) {
     qvFile_Remove(aTemporaryName);

@@ -12,6 +12,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <map>
+#include <set>
 
 namespace {
 
@@ -34,6 +36,29 @@ bool FailsHere(const char* aName) {
   }
   errno = sPlan.mErrno;
   return true;
+}
+
+std::map<int, std::string> sOpenNames;  // of files opened for writing
+std::set<int> sOpenFolders;
+
+std::string BaseName(const std::string& aPath) { return aPath.substr(aPath.rfind('/') + 1); }
+
+void Note(DiskOperation::Kind aKind, const std::string& aName, const std::string& aNewName = "",
+          const std::string& aBytes = "") {
+  if (sfActive) {
+    sPlan.mOperations.push_back({aKind, aName, aNewName, aBytes});
+  }
+}
+
+void NoteOpen(int aFD, const char* aPath, int aFlags) {
+  sOpenNames.erase(aFD);
+  sOpenFolders.erase(aFD);
+  if ((aFlags & O_DIRECTORY) != 0) {
+    sOpenFolders.insert(aFD);
+  } else if ((aFlags & O_ACCMODE) != O_RDONLY) {
+    sOpenNames[aFD] = BaseName(aPath);
+    Note(DiskOperation::Kind::kCreate, BaseName(aPath));
+  }
 }
 
 bool LookFailsHere(const char* aName) { return sPlan.mfLooksCount && FailsHere(aName); }
@@ -64,9 +89,14 @@ int open(const char* aPath, int aFlags, ...) {
   va_start(theArguments, aFlags);
   mode_t theMode = (aFlags & O_CREAT) != 0 ? va_arg(theArguments, mode_t) : 0;
   va_end(theArguments);
-  return FailsHere("open")
-             ? -1
-             : static_cast<int>(syscall(SYS_openat, AT_FDCWD, aPath, aFlags | O_LARGEFILE, theMode));
+  if (FailsHere("open")) {
+    return -1;
+  }
+  int theFD = static_cast<int>(syscall(SYS_openat, AT_FDCWD, aPath, aFlags | O_LARGEFILE, theMode));
+  if (sfActive && theFD >= 0) {
+    NoteOpen(theFD, aPath, aFlags);
+  }
+  return theFD;
 }
 
 ssize_t read(int aFD, void* aBytes, size_t aCount) {
@@ -80,10 +110,23 @@ ssize_t write(int aFD, const void* aBytes, size_t aCount) {
   if (FailsHere("write")) {
     return -1;
   }
-  return syscall(SYS_write, aFD, aBytes, sfActive ? std::min(aCount, sPlan.mLargestWrite) : aCount);
+  ssize_t theCount =
+      syscall(SYS_write, aFD, aBytes, sfActive ? std::min(aCount, sPlan.mLargestWrite) : aCount);
+  if (sfActive && theCount > 0 && sOpenNames.count(aFD) != 0) {
+    Note(DiskOperation::Kind::kWrite, sOpenNames[aFD], "",
+         std::string(static_cast<const char*>(aBytes), static_cast<size_t>(theCount)));
+  }
+  return theCount;
 }
 
-int fsync(int aFD) { return FailsHere("fsync") ? -1 : static_cast<int>(syscall(SYS_fsync, aFD)); }
+int fsync(int aFD) {
+  int theResult = FailsHere("fsync") ? -1 : static_cast<int>(syscall(SYS_fsync, aFD));
+  if (sfActive && theResult == 0) {
+    sOpenFolders.count(aFD) != 0 ? Note(DiskOperation::Kind::kSyncFolder, "")
+                                 : Note(DiskOperation::Kind::kSyncFile, sOpenNames[aFD]);
+  }
+  return theResult;
+}
 
 int close(int aFD) {
   bool theFails = FailsHere("close");
@@ -100,13 +143,22 @@ int flock(int aFD, int anOperation) noexcept {
 }
 
 int rename(const char* anOldPath, const char* aNewPath) noexcept {
-  return FailsHere("rename")
-             ? -1
-             : static_cast<int>(syscall(SYS_renameat, AT_FDCWD, anOldPath, AT_FDCWD, aNewPath));
+  if (FailsHere("rename")) {
+    return -1;
+  }
+  int theResult = static_cast<int>(syscall(SYS_renameat, AT_FDCWD, anOldPath, AT_FDCWD, aNewPath));
+  if (theResult == 0) {
+    Note(DiskOperation::Kind::kRename, BaseName(anOldPath), BaseName(aNewPath));
+  }
+  return theResult;
 }
 
 int unlink(const char* aPath) noexcept {
-  return FailsHere("unlink") ? -1 : static_cast<int>(syscall(SYS_unlinkat, AT_FDCWD, aPath, 0));
+  int theResult = FailsHere("unlink") ? -1 : static_cast<int>(syscall(SYS_unlinkat, AT_FDCWD, aPath, 0));
+  if (theResult == 0) {
+    Note(DiskOperation::Kind::kUnlink, BaseName(aPath));
+  }
+  return theResult;
 }
 
 int stat(const char* aPath, struct stat* aStat) noexcept {

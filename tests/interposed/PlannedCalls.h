@@ -13,6 +13,16 @@
 
 constexpr size_t kNever = static_cast<size_t>(-1);
 
+// A call that changed what is on disk, or made it durable. Files are named without their folder; a write and
+// a sync bear the name under which the file was opened.
+struct DiskOperation {
+  enum class Kind { kCreate, kWrite, kSyncFile, kSyncFolder, kRename, kUnlink };
+  Kind mKind;
+  std::string mName;
+  std::string mNewName;  // of a rename
+  std::string mBytes;    // of a write
+};
+
 // What happens to the calls of a body. Calls that change or guard what is on disk count from 0: open, write,
 // fsync, close, flock, rename and unlink.
 struct CallPlan {
@@ -26,8 +36,9 @@ struct CallPlan {
   size_t mLargestRead = kNever;   // bytes that one read gives at most
 
   // What RunPlanned says.
-  std::vector<std::string> mCalls;  // the names of the calls, in order
-  size_t mPauseCount = 0;           // how often nanosleep was called, which does not sleep
+  std::vector<std::string> mCalls;         // the names of the calls, in order
+  std::vector<DiskOperation> mOperations;  // what succeeded, in order
+  size_t mPauseCount = 0;                  // how often nanosleep was called, which does not sleep
 
   // The names with a blank between them.
   std::string Calls() const;

@@ -185,6 +185,22 @@ TEST(qvConfigFileINISave, OpenSettlesEveryLeftover) {
   }
 }
 
+TEST(qvConfigFileINISave, OpenSettlesTwoNamesOfOneFile) {
+  // What a power failure in the middle of a rename can leave.
+  const struct {
+    const char* mFirst;
+    const char* mSecond;
+  } kCases[] = {{"a.ini", "a.ini.ok"}, {"a.ini.ok", "a.ini.tmp"}};
+  for (const auto& theCase : kCases) {
+    SCOPED_TRACE(theCase.mSecond);
+    ScratchFolder theFolder;
+    WriteWholeFile(theFolder.File(theCase.mFirst), GenerationText("old"));
+    ASSERT_EQ(0, link(theFolder.File(theCase.mFirst).c_str(), theFolder.File(theCase.mSecond).c_str()));
+    EXPECT_EQ("old", GenerationAtOpen(theFolder.File("a.ini")));
+    EXPECT_EQ("a.ini", theFolder.Names());
+  }
+}
+
 TEST(qvConfigFileINISave, OpenLeavesAFolderOfALeftoversNameAlone) {
   ScratchFolder theFolder;
   WriteWholeFile(theFolder.File("a.ini"), GenerationText("old"));
