@@ -182,8 +182,8 @@ size_t LogStreamParser::State::TakeMessagePart(const Line& aLine, std::string_vi
     theLine.mfPartial = true;
   }
   mMessage.Add(theLine);
-  if (mMessage.IsFull()) {
-    HandOverMessage();
+  if (mMessage.IsFull() || theLine.mfPartial) {
+    HandOverMessage();  // there is no whole message to wait for
   }
   return theLine.mLength;
 }

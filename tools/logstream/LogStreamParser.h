@@ -4,8 +4,8 @@
 // header is recognised only at the start of the stream, also behind a loss report of the same count, which is
 // then counted once. A loss report elsewhere is a line that is exactly "LOST: n" behind an empty line. The
 // text of a message that looks the same cannot be told apart. Everything else is text of the sender, so a
-// second header and a malformed report are text too. Memory is bounded by the limits, whatever numbers the
-// stream holds.
+// second header and a malformed report are text too. Memory is bounded by six times the limit of a line,
+// whatever numbers the stream holds.
 //
 // A line with a prefix begins a message, and lines without one continue it. A sender whose socket was full
 // may have had to leave out the end of a message; its next one then begins in the middle of that line. So a
