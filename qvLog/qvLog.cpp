@@ -1,13 +1,17 @@
 #include "qvLog/qvLog.h"
 
 #include <errno.h>
+#include <pthread.h>
 #include <sched.h>
 
+#include "qvLog/qvLogFork_p.h"
 #include "qvLog/qvLogger_File.h"
 #include "qvLog/qvLogger_Func.h"
 #include "qvLog/qvLogger_qvLogd.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvMutex.h"
+#include "qvOS/qvMutex_p.h"
+#include "qvraTools/qvConfigFileINIBackend_p.h"
 
 // The life of the framework:
 //
@@ -17,11 +21,12 @@
 //
 // Words that are read without the log lock are read and written with atomic operations.
 static qvMainLogger* gLogger = NULL;
-static bool _gfNeverLog = false;           // never cleared
-static int sfInited = 0;                   // some thread initialises or has initialised
-static qvAtomic_int sInitValue = 0;        // attempts to initialise; the first one does it
-static int sfDoLog = 0;                    // initialised at least once; never cleared
-static qvOSMutex* sLogMutex = NULL;        // the log lock, recursive; created once, never destroyed
+static bool _gfNeverLog = false;     // never cleared
+static int sfInited = 0;             // some thread initialises or has initialised
+static qvAtomic_int sInitValue = 0;  // attempts to initialise; the first one does it
+static int sfDoLog = 0;              // initialised at least once; never cleared
+static qvOSMutex* sLogMutex = NULL;  // the log lock, recursive; created once, never destroyed
+static pthread_mutex_t sMakingLogMutex = PTHREAD_MUTEX_INITIALIZER;
 static int sThisThreadAlreadyLogging = 0;  // inside a message; written by the holder of the log lock only
 
 // A log statement must not change errno: its arguments, which often hold errno, are evaluated after
@@ -69,13 +74,21 @@ static void qvLog_S_MakeLoggers() {
   __atomic_store_n(&sfDoLog, 1, __ATOMIC_RELEASE);
 }
 
+static void qvLog_S_MakeMutex() {
+  if (qvLog_S_GetMutex() == NULL) {
+    pthread_mutex_lock(&sMakingLogMutex);
+    if (qvLog_S_GetMutex() == NULL) {
+      __atomic_store_n(&sLogMutex, qvMutex_New(), __ATOMIC_RELEASE);
+    }
+    pthread_mutex_unlock(&sMakingLogMutex);
+  }
+}
+
 // Run by one thread.
 static void qvLog_S_Initialise() {
   // First of all: the other threads stop spinning.
   __atomic_store_n(&sfInited, 1, __ATOMIC_RELEASE);
-  if (qvLog_S_GetMutex() == NULL) {
-    __atomic_store_n(&sLogMutex, qvMutex_New(), __ATOMIC_RELEASE);
-  }
+  qvLog_S_MakeMutex();
   qvMutex_Lock(sLogMutex);
   qvLog_S_MakeLoggers();
   qvMutex_Unlock(sLogMutex);
@@ -100,12 +113,59 @@ static bool qvLog_S_TryLock() {
   return false;
 }
 
+// A child process has all the memory of its parent and only the thread that called fork. So a fork waits for
+// the log lock, or keeps it from being made: then no other thread is inside the framework, and the child gets
+// the lock as often as the thread held it before.
+static void qvLog_S_BeforeFork() {
+  qvErrnoKeeper theErrnoKeeper;
+  pthread_mutex_lock(&sMakingLogMutex);
+  if (qvLog_S_GetMutex() != NULL) {
+    qvMutex_Lock(sLogMutex);
+    qvFileLogger_S_PrepareFork();
+  }
+}
+
+static void qvLog_S_AfterForkInParent() {
+  qvErrnoKeeper theErrnoKeeper;
+  if (qvLog_S_GetMutex() != NULL) {
+    qvMutex_Unlock(sLogMutex);
+  }
+  pthread_mutex_unlock(&sMakingLogMutex);
+}
+
+static void qvLog_S_AfterForkInChild() {
+  qvErrnoKeeper theErrnoKeeper;
+  if (qvMainLogger::Current() == NULL) {
+    // Another thread may have been about to initialise, and is not here to do it.
+    __atomic_store_n(&sfInited, 0, __ATOMIC_RELEASE);
+    __atomic_store_n(&sInitValue, 0, __ATOMIC_SEQ_CST);
+  }
+  if (qvLog_S_GetMutex() != NULL) {
+    qvMainLogger::LeaveParentsMessage();
+    qvFileLogger_S_LeaveParentsLine();
+    qvLogdLogger_S_LeaveParentsConnection();
+    qvMutex_S_UnlockInChild(sLogMutex);
+  }
+  pthread_mutex_unlock(&sMakingLogMutex);
+}
+
+static void qvLog_S_InstallForkHandlers() {
+  qvConfigFile_INI_S_WatchForks();
+  pthread_atfork(qvLog_S_BeforeFork, qvLog_S_AfterForkInParent, qvLog_S_AfterForkInChild);
+}
+
+static void qvLog_S_WatchForks() {
+  static pthread_once_t sOnce = PTHREAD_ONCE_INIT;
+  pthread_once(&sOnce, qvLog_S_InstallForkHandlers);
+}
+
 // Initialises if nobody has. Returns 1 with the log lock held when the caller may start a log operation, 0
 // without the lock when it may not: while the framework is initialised for the first time, and inside the
 // output of another message.
 static int Log_Init() {
   do {
     while (!__atomic_load_n(&sfInited, __ATOMIC_ACQUIRE)) {
+      qvLog_S_WatchForks();
       if (qvLog_S_CountAttempt() == 1) {
         qvLog_S_Initialise();
       } else {
@@ -287,10 +347,12 @@ void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
   qvLogger::UnlockFramework();
 }
 
-// Closes the outputs when the process ends or the library is unloaded. Nameless outside: a program that links
+// Closes the outputs when the process ends or the library is unloaded. Watches forks as early as it can,
+// since the system does not tell of a fork that is already on its way. Nameless outside: a program that links
 // the library statically may have a Terminator too.
 namespace {
 struct Terminator {
+  Terminator() { qvLog_S_WatchForks(); }
   ~Terminator() { qvLog_Term(); }
 };
 }  // namespace

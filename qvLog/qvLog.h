@@ -10,6 +10,11 @@
  * threads never mix on any output. Any thread may log. The first call initialises the framework. Logging
  * never reports a failure: a message that cannot be delivered is dropped. errno is left as it was.
  *
+ * A process may fork while it logs: fork waits for the message of another thread (a callback must not wait
+ * for a thread that forks), and the child can log at once. It writes to the same file, has the same
+ * callbacks, and connects to the log daemon as an instance of its own. A message inside whose output fork was
+ * called goes on in the parent only. vfork, posix_spawn and system wait for nothing.
+ *
  * Formats are those of printf in C99 as qvraTools/format/qvFormat.h implements them. */
 #ifndef QVLOG_QVLOG_H
 #define QVLOG_QVLOG_H
@@ -79,8 +84,8 @@ QVLOG_API void qvLog_Append_U(const wchar_t* aUnicodeStr, size_t aLength);
 QVLOG_API void qvLog_ReloadConfig(void);
 
 /* Initialises the framework. The calling thread keeps the log lock when this returns: its own messages are
- * dropped as nested and other threads wait at their next message. Do not call it; the first message does
- * what is needed. */
+ * dropped as nested and other threads wait at their next message or fork. Do not call it; the first message
+ * does what is needed. */
 QVLOG_API void qvLog_Init(void);
 
 /* Deletes all loggers and releases the framework's memory; runs by itself at exit. Initialises first if that

@@ -63,7 +63,8 @@ class QVLOG_API qvLogger {
   virtual void Append_ProcessNameOrId(qvLogDataEx* aRecord);
   virtual void Append_LogModule(qvLogDataEx* aRecord);
 
-  // The message is complete. Called for messages that BeginLog refused as well. The base does nothing.
+  // The message is complete. Called for messages that BeginLog refused as well. Not called in the child of a
+  // fork inside the message. The base does nothing.
   virtual void EndLog(qvLogDataEx* aRecord);
   // The configuration file may have changed. The base forgets its module decisions.
   virtual void ReloadConfig();

@@ -1,7 +1,9 @@
 #include "qvLog/qvLogger_File.h"
 
+#include <stdio_ext.h>
 #include <sys/types.h>
 
+#include "qvLog/qvLogFork_p.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
@@ -127,6 +129,25 @@ void qvFileLogger::EndLog(qvLogDataEx*) {
     qvFileLogger_S_ReportError();
     CloseFile();
   }
+}
+
+void qvFileLogger_S_PrepareFork() {
+  qvFileLogger* theLogger = qvFileLogger::sInstance;
+  // What the application has printed stands in the same buffer, so it cannot be emptied in the child.
+  if (theLogger != NULL && theLogger->mFile == stdout && theLogger->mLastChar != '\n') {
+    fflush(stdout);
+  }
+}
+
+void qvFileLogger_S_LeaveParentsLine() {
+  qvFileLogger* theLogger = qvFileLogger::sInstance;
+  if (theLogger == NULL || theLogger->mFile == NULL) {
+    return;
+  }
+  if (theLogger->mFile != stderr && theLogger->mFile != stdout) {
+    __fpurge(theLogger->mFile);  // what is buffered is the parent's, which will write it
+  }
+  theLogger->mLastChar = '\n';
 }
 
 void qvLogger_File_Init(void) {

@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "qvLog/qvMainLogger_p.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvMalloc.h"
 
@@ -126,8 +127,10 @@ void qvFuncLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
 }
 
 void qvFuncLogger::EndLog(qvLogDataEx* aRecord) {
+  const unsigned int theForkCount = qvMainLogger::ForkCount();
   ++sCallsInProgress;
-  for (qvLoggerFuncEntry* theEntry = mHead; theEntry != NULL; theEntry = theEntry->mNext) {
+  for (qvLoggerFuncEntry* theEntry = mHead; theEntry != NULL && qvMainLogger::ForkCount() == theForkCount;
+       theEntry = theEntry->mNext) {
     if (theEntry->mLevel > aRecord->mLevel) {
       theEntry->mFunc(theEntry->mCookie, aRecord, mStr, mStrLen);
     }

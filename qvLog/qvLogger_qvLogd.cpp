@@ -9,6 +9,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "qvLog/qvLogFork_p.h"
 #include "qvOS/qvPlatform.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
@@ -38,6 +39,10 @@ qvLogdLogger* qvLogdLogger::sInstance = NULL;
 // BeginLog refused the message that is going on. When another logger takes it, its parts and its end come
 // here all the same. There is one instance at a time.
 static bool sfRefused = false;
+
+// The UUID is the parent process's. Most children execute another program and never connect, so their own one
+// is made for their first header.
+static bool sfHasParentsUUID = false;
 
 // The settings are read for every resolution, and by a reload for the populated file.
 static qvCString qvLogdLogger_S_ReadTarget(qvLogdLogger* aLogger) {
@@ -76,6 +81,7 @@ qvLogdLogger::qvLogdLogger(bool aAddToList)
   qvAssert(sInstance == NULL);
   sInstance = this;
   sfRefused = false;
+  sfHasParentsUUID = false;
   mBuffer = static_cast<char*>(qvMalloc(mBufferAllocLen));
   qvLogdLogger_S_MakeUUID(mUUIDStr);
   qvLogdLogger::ReloadConfig();
@@ -230,6 +236,10 @@ static void qvLogdLogger_S_StartMessage(qvLogdLogger* aLogger) {
 // The header is sent like any message, and pending losses are reported before it.
 static void qvLogdLogger_S_SendHeader(qvLogdLogger* aLogger, qvLogDataEx* aRecord) {
   unsigned int theLost = aLogger->mLostLogs;
+  if (sfHasParentsUUID) {
+    qvLogdLogger_S_MakeUUID(aLogger->mUUIDStr);
+    sfHasParentsUUID = false;
+  }
   aLogger->mState = qvLogdLogger::State_Connected;
   aLogger->mLastChar = '\n';
   qvLogdLogger_S_StartMessage(aLogger);
@@ -362,6 +372,18 @@ void qvLogdLogger::EndLog(qvLogDataEx*) {
     ++mLostLogs;
   }
   qvLogdLogger_S_StartMessage(this);
+}
+
+void qvLogdLogger_S_LeaveParentsConnection() {
+  qvLogdLogger* theLogger = qvLogdLogger::sInstance;
+  if (theLogger == NULL) {
+    return;
+  }
+  qvLogdLogger_S_CloseSocket(theLogger);  // the parent's stays open
+  qvLogdLogger_S_StartMessage(theLogger);
+  theLogger->mLostLogs = 0;
+  theLogger->mLastChar = '\n';
+  sfHasParentsUUID = true;
 }
 
 void qvLogger_qvLogd_Init(void) {

@@ -63,7 +63,9 @@ class QVLOG_API qvLogdLogger : public qvLogger {
   char* mBuffer;  // the bytes of the current message; kept and grown from message to message
   size_t mBufferLen;
   size_t mBufferAllocLen;
-  char mUUIDStr[37];  // identifies this instance, the same for all its connections
+  // Identifies this instance, the same for all its connections. A child process is another instance; it gets
+  // its own with its first connection.
+  char mUUIDStr[37];
 };
 
 QV_BEGIN_DECLS

@@ -7,6 +7,9 @@ qvLogLevel _qvLog_Level = 65535;
 qvLogDataEx _qvLog_gData;
 uint16 _gfqvLog_gDataInitialized = 0;
 
+// Written by child processes.
+static unsigned int sForkCount = 0;
+
 static void qvMainLogger_S_SetGate(qvLogLevel aLevel) {
   __atomic_store_n(&_qvLog_Level, aLevel, __ATOMIC_RELAXED);
 }
@@ -19,14 +22,17 @@ static bool qvMainLogger_S_Takes(qvLogger* aLogger, const qvLogDataEx* aRecord) 
 
 // Calls aCall with each logger that takes the record. The next logger is looked up first: a logger may leave
 // the chain while it is called. Without a record there is no message: it was ended by one nested inside it,
-// which is possible after a framework operation in a logger's output.
+// which is possible after a framework operation in a logger's output. The child of a fork in a logger's
+// output stops here, or the loggers that follow would write the parent's message twice.
 template <class Call>
 static void qvMainLogger_S_ForEachTaking(qvLogDataEx* aRecord, Call aCall) {
   if (aRecord == NULL) {
     return;
   }
+  const unsigned int theForkCount = sForkCount;
   qvLogger* theNext;
-  for (qvLogger* theLogger = qvLogger::sHead; theLogger != NULL; theLogger = theNext) {
+  for (qvLogger* theLogger = qvLogger::sHead; theLogger != NULL && sForkCount == theForkCount;
+       theLogger = theNext) {
     theNext = theLogger->mNext;
     if (qvMainLogger_S_Takes(theLogger, aRecord)) {
       aCall(theLogger);
@@ -41,6 +47,15 @@ qvMainLogger::~qvMainLogger() {
     _qvLog_gData.mFormatted = NULL;
   }
 }
+
+void qvMainLogger::LeaveParentsMessage() {
+  ++sForkCount;
+  if (Current() != NULL) {
+    Current()->mLogData = NULL;
+  }
+}
+
+unsigned int qvMainLogger::ForkCount() { return sForkCount; }
 
 void qvMainLogger::Setup() { qvMainLogger_S_SetGate(0); }
 
@@ -61,12 +76,14 @@ bool qvMainLogger::WillLog(qvLogLevel aLevel, qvLogModule aModule) {
 }
 
 bool qvMainLogger::BeginLog(qvLogDataEx* aRecord) {
+  const unsigned int theForkCount = sForkCount;
   bool theResult = false;
   qvMainLogger_S_ForEachTaking(aRecord, [&](qvLogger* aLogger) {
     if (aLogger->BeginLog(aRecord)) {
       theResult = true;
     }
   });
+  theResult = theResult && sForkCount == theForkCount;
   if (theResult) {
     mLogData = aRecord;
   }

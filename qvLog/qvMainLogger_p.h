@@ -22,6 +22,12 @@ class qvMainLogger {
   // The main logger of the framework, or null before initialisation and after qvLog_Term.
   static qvMainLogger* Current();
 
+  // In a child process: a message that was being built is the parent's, and nothing more of it is handed on.
+  static void LeaveParentsMessage();
+  // How often that has happened. When the number changes during a call, fork was called inside it and this is
+  // the child.
+  static unsigned int ForkCount();
+
   // Closes the process-wide gate; the loggers that are created next open it again.
   void Setup();
   bool WillLog(qvLogLevel aLevel, qvLogModule aModule);

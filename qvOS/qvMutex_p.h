@@ -14,4 +14,12 @@ struct qvMutex_t {
   uint32 mLockCount;      /* how often the owner holds it; only the owner reads and writes it   */
 };
 
+QV_BEGIN_DECLS
+
+/* qvMutex_Unlock for a child process: fork was called by the thread that held the mutex. The system's own
+ * unlock refuses there, because the threads of the child have other numbers. */
+void qvMutex_S_UnlockInChild(qvOSMutex* aMutex);
+
+QV_END_DECLS
+
 #endif

@@ -1,10 +1,13 @@
 #include "qvraTools/qvConfigFileINIBackend.h"
 
+#include <pthread.h>
+
 #include <mutex>
 
 #include "qvOS/qvDir.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/qvAssert.h"
+#include "qvraTools/qvConfigFileINIBackend_p.h"
 #include "qvraTools/qvConfigFileINISave_p.h"
 #include "qvraTools/qvINIFile.h"
 #include "qvraTools/qvINIFile_p.h"
@@ -237,7 +240,23 @@ static qvConfigFileBackend* qvConfigFile_INI_S_NewTable(void) {
   return theTable;
 }
 
+// A fork waits until no thread is between taking and giving back the lock: nobody could give it back in the
+// child.
+static void qvConfigFile_INI_S_LockTable() { sTableLock.lock(); }
+static void qvConfigFile_INI_S_UnlockTable() { sTableLock.unlock(); }
+
+static void qvConfigFile_INI_S_InstallForkHandlers() {
+  pthread_atfork(qvConfigFile_INI_S_LockTable, qvConfigFile_INI_S_UnlockTable,
+                 qvConfigFile_INI_S_UnlockTable);
+}
+
+void qvConfigFile_INI_S_WatchForks(void) {
+  static pthread_once_t sOnce = PTHREAD_ONCE_INIT;
+  pthread_once(&sOnce, qvConfigFile_INI_S_InstallForkHandlers);
+}
+
 qvConfigFileBackend* qvConfigFile_INI_GetBackend(void) {
+  qvConfigFile_INI_S_WatchForks();
   std::lock_guard<std::mutex> theLock(sTableLock);
   int theBuilt = 0;
   while (!__atomic_load_n(&sfReady, __ATOMIC_SEQ_CST)) {

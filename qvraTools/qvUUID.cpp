@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "qvOS/qvMACAddress.h"
+#include "qvOS/qvThread.h"
 #include "qvOS/qvTime.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvLongLong.h"
@@ -12,6 +13,7 @@
 #define kqvUUID_TextSize 37 /* bytes, with the terminator */
 
 static qvUUID_Clock sClock;
+static uint32 sClockProcessId;  // whose clock it is; 0 until the first UUID
 static uint8 sNode[6];
 static int sfNodeKnown = 0;
 
@@ -47,9 +49,19 @@ int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
   return 1;
 }
 
+// A child process starts with the clock of its parent: another sequence keeps their UUIDs apart.
+static void qvUUID_S_LeaveParentsClock(void) {
+  uint32 theProcessId = qvThread_GetPID();
+  if (sClockProcessId != 0 && sClockProcessId != theProcessId) {
+    sClock.mSequence = static_cast<uint16>((sClock.mSequence + theProcessId) & kqvUUID_ClockSequenceMask);
+  }
+  sClockProcessId = theProcessId;
+}
+
 int qvUUID_GetClock(unsigned int* aClockHigh, uint32* aClockLow, uint16* aClockSeq) {
   static const qvULongLong kUnitsPerSecond = qvULongLong_Init(0, 10000000);
   static const qvULongLong kEpoch = qvULongLong_Init(0x01B21DD2, 0x13814000);  // 1582 to 1970 in units
+  qvUUID_S_LeaveParentsClock();
   qvtimeval theNow;
   do {
     qvTime_GetTimeOfDay(&theNow);

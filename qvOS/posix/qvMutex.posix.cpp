@@ -76,6 +76,18 @@ int qvMutex_Unlock(qvOSMutex* aMutex) {
   return pthread_mutex_unlock(&aMutex->mMutex) != 0 ? qvMutex_Status_Error : qvMutex_Status_NoError;
 }
 
+void qvMutex_S_UnlockInChild(qvOSMutex* aMutex) {
+  // Made anew, also to forget the threads that were waiting in the parent.
+  qvMutex_S_InitRecursive(&aMutex->mMutex);
+  aMutex->mLockCount -= 1;
+  for (uint32 i = 0; i < aMutex->mLockCount; ++i) {
+    pthread_mutex_lock(&aMutex->mMutex);
+  }
+  if (aMutex->mLockCount == 0) {
+    qvMutex_S_SetOwner(aMutex, kqvMutex_NoOwner);
+  }
+}
+
 int qvMutex_IsHeld(qvOSMutex* aMutex) {
   QVMAGICNUMBER_CHECK(aMutex, kqvMutex_Magic);
   return pthread_equal(__atomic_load_n(&aMutex->mOwnerThread, __ATOMIC_RELAXED), pthread_self());

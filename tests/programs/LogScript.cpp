@@ -10,6 +10,8 @@
 //   capacity                        prints the size of the formatting buffer
 //   reload, term, never             the framework operations
 //   func LEVEL                      registers a callback that prints its text in brackets
+//   fork, ..., parent               a child process does what is between and exits; then the parent goes on
+//   print TEXT                      on standard output, which is flushed when the program exits
 //   modules-off                     makes every module without a setting silent
 //   probe                           makes a logger "Probe" outside the chain
 //   probe-without-config            makes one with that option
@@ -31,6 +33,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -136,6 +139,22 @@ static void PrintText(void*, const qvLogData*, const char* aText, size_t aLength
   printf("[%.*s]\n", static_cast<int>(aLength), aText);
 }
 
+// In the child, returns; in the parent, when the child has exited.
+static void Fork() {
+  pid_t theChild = fork();
+  if (theChild == 0) {
+    return;
+  }
+  int theStatus = -1;
+  waitpid(theChild, &theStatus, 0);
+  if (theStatus != 0) {
+    fprintf(stderr, "LogScript: a child ended with status %d\n", theStatus);
+    _exit(3);
+  }
+  while (strcmp(Next(), "parent") != 0) {
+  }
+}
+
 static void Limit(rlim_t aBytes) {
   struct rlimit theLimit;
   getrlimit(RLIMIT_FSIZE, &theLimit);
@@ -195,6 +214,8 @@ static bool RunLogOperation(const std::string& aName) {
     qvLog_Append_F("%s", Next());
   } else if (aName == "end") {
     qvLog_End(sData);
+  } else if (aName == "print") {
+    printf("%s", Next());
   } else if (aName == "will") {
     qvLogLevel theLevel = static_cast<qvLogLevel>(NextNumber());
     printf("%d\n", qvLog_WillLog(theLevel, static_cast<qvLogModule>(NextNumber())));
@@ -222,6 +243,10 @@ static bool RunFrameworkOperation(const std::string& aName) {
     qvLog_NeverLog();
   } else if (aName == "func") {
     qvLog_SetLogFunc(static_cast<qvLogLevel>(NextNumber()), PrintText, NULL);
+  } else if (aName == "fork") {
+    Fork();
+  } else if (aName == "parent") {
+    exit(0);
   } else if (aName == "modules-off") {
     _gfDefaultIsToLog = 0;
   } else if (aName == "clock") {

@@ -13,6 +13,7 @@
 #include "qvOS/qvMutex_p.h"
 #include "support/ChildProcess.h"
 #include "support/FreeWatch.h"
+#include "support/FreshProcess.h"
 #include "support/Sanitizers.h"
 
 namespace {
@@ -127,6 +128,25 @@ TEST(qvMutex, LockMakesTheCallingThreadTheOwner) {
   EXPECT_TRUE(pthread_equal(pthread_self(), theMutex->mOwnerThread));
   EXPECT_EQ(1u, theMutex->mLockCount);
   EXPECT_TRUE(qvMutex_IsHeld(theMutex.get()));
+  EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
+}
+
+TEST(qvMutex, AChildGivesBackWhatItsParentTookForTheFork) {
+  MutexPtr theMutex = NewMutex();
+  qvMutex_Lock(theMutex.get());
+  qvMutex_Lock(theMutex.get());
+  IN_FRESH_PROCESS({
+    qvMutex_S_UnlockInChild(theMutex.get());
+    EXPECT_EQ(1u, theMutex->mLockCount);
+    EXPECT_TRUE(qvMutex_IsHeld(theMutex.get()));
+    EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
+    EXPECT_FALSE(qvMutex_IsHeld(theMutex.get()));
+    OnAnotherThread([&] {
+      EXPECT_EQ(0, qvMutex_Lock(theMutex.get()));
+      EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
+    });
+  });
+  EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
   EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
 }
 

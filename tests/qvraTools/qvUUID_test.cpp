@@ -1,6 +1,7 @@
 #include "qvraTools/qvUUID.h"
 
 #include <gtest/gtest.h>
+#include <stdio.h>
 #include <stdlib.h>
 
 #include <cstddef>
@@ -9,6 +10,7 @@
 #include <string>
 
 #include "qvraTools/qvUUID_p.h"
+#include "support/ChildProcess.h"
 #include "support/FakeDevice.h"
 
 namespace {
@@ -69,6 +71,21 @@ TEST(qvUUID, VersionAndVariantAreMarked) {
     EXPECT_EQ(2, theUUID[8] >> 6);
     EXPECT_EQ(0, theUUID[8] & 0x20) << "the sequence has 13 bits";
   }
+}
+
+TEST(qvUUID, AChildProcessUsesAnotherClockSequence) {
+  uint8 theUUID[16];
+  qvUUID_Generate(theUUID);
+  // The next one of both processes may fall into the same microsecond.
+  ChildResult theResult = RunInChild([] {
+    uint8 theUUIDInChild[16];
+    qvUUID_Generate(theUUIDInChild);
+    puts(Text(theUUIDInChild).c_str());
+  });
+  qvUUID_Generate(theUUID);
+  const size_t kSequence = strlen("01234567-89ab-cdef-");
+  EXPECT_EQ(37u, theResult.mStdout.size());
+  EXPECT_NE(Text(theUUID).substr(kSequence, 4), theResult.mStdout.substr(kSequence, 4));
 }
 
 TEST(qvUUID, ManyUUIDsDiffer) {
