@@ -7,6 +7,9 @@
 // second header and a malformed report are text too. Memory is bounded by six times the limit of a line,
 // whatever numbers the stream holds.
 //
+// A report right behind a message without a line end has no empty line in front of it and is taken for a line
+// of that message: texts with such a line are more common, and it stays to be seen.
+//
 // A line with a prefix begins a message, and lines without one continue it. A sender whose socket was full
 // may have had to leave out the end of a message; its next one then begins in the middle of that line. So a
 // prefix in the middle of a line begins a message as well, if its stamp is not before that of the message
