@@ -29,6 +29,7 @@ class RunningProgram {
   bool WaitForError(const std::string& aText);
   // All that has come from its standard output so far.
   const std::string& Output() const { return mResult.mStdout; }
+  const std::string& Error() const { return mResult.mStderr; }
 
   // Closes its standard input and waits for its end.
   ChildResult Wait();

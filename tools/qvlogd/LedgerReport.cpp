@@ -3,25 +3,16 @@
 #include <inttypes.h>
 #include <stdio.h>
 
-// What a process calls itself may hold anything.
-static void LedgerReport_S_AppendName(const std::string& aName, bool afJSON, std::string* aText) {
-  for (char theChar : aName) {
-    unsigned char theByte = static_cast<unsigned char>(theChar);
-    bool theIsPlain = theByte > ' ' && theByte < 0x7F && theChar != '"' && theChar != '\\';
-    char theEscape[8];
-    snprintf(theEscape, sizeof(theEscape), afJSON ? "\\u%04x" : "\\x%02x", theByte);
-    aText->append(theIsPlain ? std::string(1, theChar) : theEscape);
-  }
-}
+#include "tools/logstream/LogEscape.h"
 
 static std::string LedgerReport_S_Name(const LedgerEntry& aEntry) {
   if (aEntry.mProcess.empty() && aEntry.mUUID.empty()) {
     return "(no header)";
   }
   std::string theName;
-  LedgerReport_S_AppendName(aEntry.mProcess, false, &theName);
+  LogEscape_AppendField(aEntry.mProcess, theName);
   theName.push_back('-');
-  LedgerReport_S_AppendName(aEntry.mUUID.substr(0, 8), false, &theName);
+  LogEscape_AppendField(aEntry.mUUID.substr(0, 8), theName);
   return theName;
 }
 
@@ -79,9 +70,9 @@ static std::string LedgerReport_S_SumsJSON(const LedgerSums& aSums) {
 
 static std::string LedgerReport_S_EntryJSON(const LedgerEntry& aEntry) {
   std::string theText = "{\"process\":\"";
-  LedgerReport_S_AppendName(aEntry.mProcess, true, &theText);
+  LogEscape_AppendJSON(aEntry.mProcess, theText);
   theText.append("\",\"uuid\":\"");
-  LedgerReport_S_AppendName(aEntry.mUUID, true, &theText);
+  LogEscape_AppendJSON(aEntry.mUUID, theText);
   theText.append("\"," + LedgerReport_S_SumsJSON(aEntry.mSums));
   theText.append(aEntry.mOpenConnections > 0 ? ",\"connected\":true" : ",\"connected\":false");
   theText.append(aEntry.mfRestarted ? ",\"restarted\":true}" : ",\"restarted\":false}");

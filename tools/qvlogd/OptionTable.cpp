@@ -84,7 +84,7 @@ static bool OptionTable_S_Stats(const char* aValue, Options* aOptions) {
 #define APPLY [](const char* aValue, Options* aOptions) -> bool
 
 static const char* const kASize = "a number of bytes, as in 512K, 10M or 1G";
-static const char* const kALimit = "a size in the range of this limit";
+static const char* const kAFileAge = "a time, as in 90s, 15m, 12h or 7d";
 static const char* const kADuration = "a time, as in 500ms, 90s, 15m, 12h or 7d";
 static const char* const kAFlag = "yes or no";
 
@@ -112,7 +112,7 @@ const OptionEntry kOptionTable[] = {
     {"rotate-size", 0, OptionArgument_Required, "SIZE", false, true, kASize,
      "start a new file at this size",
      APPLY { return OptionValue_ParseSize(aValue, 0, kMaxSize, &aOptions->mOutput.mRotateSize); }},
-    {"rotate-time", 0, OptionArgument_Required, "TIME", false, true, kADuration,
+    {"rotate-time", 0, OptionArgument_Required, "TIME", false, true, kAFileAge,
      "start a new file after this time",
      OptionTable_S_RotateTime},
     {"rotate-count", 0, OptionArgument_Required, "N", false, true, "a number of files",
@@ -145,19 +145,19 @@ const OptionEntry kOptionTable[] = {
     {"stop-time", 0, OptionArgument_Required, "TIME", false, true, kADuration,
      "read at most so long what is in the sockets when told to stop (2s)",
      APPLY { return OptionValue_ParseDuration(aValue, &aOptions->mStopTime); }},
-    {"max-line", 0, OptionArgument_Required, "SIZE", false, true, kALimit,
+    {"max-line", 0, OptionArgument_Required, "SIZE", false, true, "a size from 80 to 1G",
      "cut longer lines (1M)",
      APPLY { return OptionTable_S_StoreMemorySize(aValue, 80, &aOptions->mLimits.mLineLength); }},
-    {"max-header", 0, OptionArgument_Required, "SIZE", false, true, kALimit,
+    {"max-header", 0, OptionArgument_Required, "SIZE", false, true, "a size from 128 to 1G",
      "take longer connection headers for text (4K)",
      APPLY { return OptionTable_S_StoreMemorySize(aValue, 128, &aOptions->mLimits.mHeaderLength); }},
-    {"max-connections", 0, OptionArgument_Required, "N", false, true, "a number of connections, at least 1",
+    {"max-connections", 0, OptionArgument_Required, "N", false, true, "a number from 1 to 1000000",
      "let further ones wait (4096)",
      OptionTable_S_Connections},
-    {"max-turn", 0, OptionArgument_Required, "SIZE", false, true, kALimit,
+    {"max-turn", 0, OptionArgument_Required, "SIZE", false, true, "a size from 1K to 1G",
      "bytes read of one connection before the others' turn (256K)",
      APPLY { return OptionTable_S_StoreMemorySize(aValue, 1024, &aOptions->mMaxTurn); }},
-    {"max-held", 0, OptionArgument_Required, "SIZE", false, true, kALimit,
+    {"max-held", 0, OptionArgument_Required, "SIZE", false, true, "a size from 4K to 1G",
      "bytes of unfinished messages held for all connections (16M)",
      APPLY { return OptionTable_S_StoreMemorySize(aValue, 4096, &aOptions->mMaxHeld); }},
     {"check", 0, OptionArgument_Required, "FILE", false, false, "a file name, or - for standard input",

@@ -1,0 +1,20 @@
+# Both programs, their manual pages and the units of the collector.
+
+# An installed tree may be moved: the programs find the library beside themselves.
+set_target_properties(qvlogd PROPERTIES
+  INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+set_target_properties(qvlogcat PROPERTIES
+  INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS qvlogd RUNTIME DESTINATION ${CMAKE_INSTALL_SBINDIR})
+install(TARGETS qvlogcat RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+foreach(theSection 1 5 8)
+  file(GLOB thePages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.${theSection})
+  install(FILES ${thePages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${theSection})
+endforeach()
+
+set(QVLOG_UNIT_DIR lib/systemd/system CACHE STRING "Where the units of the service manager go")
+configure_file(${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.service.in
+  ${PROJECT_BINARY_DIR}/qvlogd.service @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/qvlogd.service ${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.socket
+  DESTINATION ${QVLOG_UNIT_DIR})
