@@ -162,6 +162,16 @@ TEST_F(qvLogdLoggerTest, ASilentModuleIsSilentForTheDaemonAlone) {
   EXPECT_THAT(theStream, HasSubstr("two"));
 }
 
+TEST_F(qvLogdLoggerTest, AReloadSeesTheThresholdOfThatMoment) {
+  LogProgram theProgram;
+  theProgram.Configure("[qvlogd]\nlevel=error\n");
+  EXPECT_EQ("2\n4\n0\n",
+            theProgram
+                .Run({"reload", "gate", "write", "qvLog.box.ini", "[qvlogd]\nlevel=info\n", "reload", "gate",
+                      "write", "qvLog.box.ini", "[qvlogd]\nlevel=off\n", "reload", "gate"})
+                .mStdout);
+}
+
 TEST_F(qvLogdLoggerTest, AReloadReadsTheSettingsAndClosesTheConnection) {
   LogText(1, 0, "x\n");
   qvLogdLogger* theLogger = Logger();
