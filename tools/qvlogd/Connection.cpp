@@ -13,7 +13,13 @@ Connection::Connection(int aDescriptor, const LogStreamLimits& aLimits, Ledger& 
       mDistributor(aDistributor),
       mParser(aLimits, *this) {}
 
-Connection::~Connection() { close(Descriptor()); }
+// A quiet end would swallow the sender's next message: the first send after it still succeeds. After a reset
+// that one fails already, so that the sender counts it as lost and tells the next collector.
+Connection::~Connection() {
+  struct linger theReset = {1, 0};
+  setsockopt(Descriptor(), SOL_SOCKET, SO_LINGER, &theReset, sizeof(theReset));
+  close(Descriptor());
+}
 
 ConnectionRead Connection::Read(char* aBuffer, size_t aSize, size_t aMaxTurn) {
   mLastTurn = 0;

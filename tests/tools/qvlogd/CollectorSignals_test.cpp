@@ -64,6 +64,15 @@ TEST(CollectorSignals, NoNewConnectionIsTakenAfterTheEndWasAskedFor) {
   EXPECT_FALSE(LogSender(thePort).IsConnected());
 }
 
+TEST(CollectorSignals, AfterTheEndASendersNextMessageFailsAtOnceSoThatItIsCountedAsLost) {
+  RunningCollector theCollector({"--output=cat"});
+  LogSender theSender(theCollector.Port());
+  theSender.Send(LogSender::Line("before"));
+  theCollector.WaitForOutput("before\n");
+  theCollector.Stop();
+  EXPECT_FALSE(theSender.Send(LogSender::Line("after")));
+}
+
 TEST(CollectorSignals, TheLedgerComesAtTheEndWhenItIsWanted) {
   RunningCollector theCollector({"--stats"});
   EXPECT_NE(std::string::npos, theCollector.Stop().mStderr.find("\n0 processes "));
