@@ -95,23 +95,21 @@ TEST(LogOutput, ReopeningNeedsNoLine) {
   EXPECT_EQ("log renamed", theFolder.Names());
 }
 
-TEST(LogOutput, AStalledTargetHoldsATurnForNoMoreThanAMoment) {
+TEST(LogOutput, AStalledTargetHoldsOneTurnForAMomentAndTheOthersNotAtAll) {
   TargetControl theControl;
   LogOutputOptions theOptions = ToFile("unused");
-  theOptions.mQueueBytes = 300000;
+  theOptions.mQueueBytes = 1000;
   LogOutput theOutput(theOptions, std::make_unique<StalledTarget>(theControl));
   OpenOutput(theOutput);
-  std::string theText(99999, 'x');
+  std::string theText(99, 'x');
   auto theStart = std::chrono::steady_clock::now();
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < 2000; ++i) {
     theOutput.Take(Line(theText));
-    if (i % 100 == 99) {
-      theOutput.Flush();
-    }
+    theOutput.Flush();
   }
-  // Ten turns; only the one that meets the full queue first waits.
-  EXPECT_LT(std::chrono::steady_clock::now() - theStart, std::chrono::seconds(5));
-  EXPECT_GT(theOutput.Dropped(), 900u);
+  // Only the turn that meets the full queue first waits. 20 ms for each turn would be 40 seconds.
+  EXPECT_LT(std::chrono::steady_clock::now() - theStart, std::chrono::seconds(10));
+  EXPECT_GT(theOutput.Dropped(), 1900u);
   theControl.Release();
 }
 
