@@ -1,4 +1,4 @@
-# Both programs, their manual pages and the units of the collector.
+# Both programs, their manual pages, the units of the collector and configurations for log engines that it forwards to.
 
 # An installed tree may be moved: the programs find the library beside themselves.
 set_target_properties(qvlogd PROPERTIES
@@ -18,3 +18,6 @@ configure_file(${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.service.in
   ${PROJECT_BINARY_DIR}/qvlogd.service @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvlogd.service ${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.socket
   DESTINATION ${QVLOG_UNIT_DIR})
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/rsyslog ${PROJECT_SOURCE_DIR}/packaging/syslog-ng
+  DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
