@@ -101,8 +101,8 @@ QVLOG_API void qvConfigFile_Reset(qvConfigFile* aConfigFile);
 /* Writes the read-write layer to its file: the old content or the new one is there whole at every instant,
  * whatever interrupts the save. Returns 1, or 0 when there is no read-write file or it could not be saved;
  * the old content stands then, or the next open completes the save. Saves of several processes and threads
- * exclude each other; a save fails when it has waited five seconds for the others, and when the file was there
- * at the open but could not be read. */
+ * exclude each other; a save fails when it has waited five seconds for the others, and when the file was
+ * there at the open but could not be read. */
 QVLOG_API int qvConfigFile_Save(qvConfigFile* aConfigFile);
 
 /* Makes the first directory with its parents, then the second. Returns 1, or 0 at the first failure.

@@ -9,7 +9,7 @@
 extern "C" {
 #endif
 
-/* Reads commands from standard input until "quit" or its end and prints "ok" on standard output after each. */
+/* Reads commands until "quit" or the end of standard input. Prints "ok" on standard output after each. */
 void Commands_Run(void (*aScene)(void));
 
 #ifdef __cplusplus
