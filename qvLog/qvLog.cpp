@@ -115,22 +115,28 @@ static bool qvLog_S_TryLock() {
 
 // A child process has all the memory of its parent and only the thread that called fork. So a fork waits for
 // the log lock, or keeps it from being made: then no other thread is inside the framework, and the child gets
-// the lock as often as the thread held it before.
+// the lock as often as the thread held it before. Never both, since a thread may fork inside a message while
+// another one, outside, waits for the end of it.
 static void qvLog_S_BeforeFork() {
   qvErrnoKeeper theErrnoKeeper;
-  pthread_mutex_lock(&sMakingLogMutex);
-  if (qvLog_S_GetMutex() != NULL) {
-    qvMutex_Lock(sLogMutex);
-    qvFileLogger_S_PrepareFork();
+  if (qvLog_S_GetMutex() == NULL) {
+    pthread_mutex_lock(&sMakingLogMutex);
+    if (qvLog_S_GetMutex() == NULL) {
+      return;
+    }
+    pthread_mutex_unlock(&sMakingLogMutex);
   }
+  qvMutex_Lock(sLogMutex);
+  qvFileLogger_S_PrepareFork();
 }
 
 static void qvLog_S_AfterForkInParent() {
   qvErrnoKeeper theErrnoKeeper;
   if (qvLog_S_GetMutex() != NULL) {
     qvMutex_Unlock(sLogMutex);
+  } else {
+    pthread_mutex_unlock(&sMakingLogMutex);
   }
-  pthread_mutex_unlock(&sMakingLogMutex);
 }
 
 static void qvLog_S_AfterForkInChild() {
@@ -145,8 +151,9 @@ static void qvLog_S_AfterForkInChild() {
     qvFileLogger_S_LeaveParentsLine();
     qvLogdLogger_S_LeaveParentsConnection();
     qvMutex_S_UnlockInChild(sLogMutex);
+  } else {
+    pthread_mutex_unlock(&sMakingLogMutex);
   }
-  pthread_mutex_unlock(&sMakingLogMutex);
 }
 
 static void qvLog_S_InstallForkHandlers() {

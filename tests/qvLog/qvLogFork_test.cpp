@@ -115,6 +115,24 @@ TEST(qvLogFork, TheMessageAroundAForkInACallbackIsTheParents) {
   EXPECT_THAT(theLogger.mMessages, ElementsAre("x"));
 }
 
+TEST(qvLogFork, AThreadMayForkInsideACallbackWhileAnotherWaitsToFork) {
+  static std::unique_ptr<SleepingThread> sOther;
+  static int sStatus = -1;
+  static int sStatusInCallback = -1;
+  qvLog_SetLogFunc(
+      2,
+      [](void*, const qvLogData*, const char*, size_t) {
+        sOther.reset(new SleepingThread([] { sStatus = StatusOfChild([] { return true; }); }));
+        sStatusInCallback = StatusOfChild([] { return true; });
+      },
+      nullptr);
+  EXPECT_TRUE(LogText(1, 0, "x"));
+  sOther.reset();
+  EXPECT_EQ(0, sStatusInCallback);
+  EXPECT_EQ(0, sStatus);
+  qvLog_Term();
+}
+
 TEST(qvLogFork, AMessageLoggedInsideTheCallbackThatForkedIsNestedInTheChildToo) {
   static int sNested = 0;
   static pid_t sForked = -1;
