@@ -197,6 +197,10 @@ void NumberedLogChecker::CheckLines(std::string_view aText) {
   }
   while (!aText.empty()) {
     std::string theLine = TakeLine(&aText);
+    if (theLine == "NAME: box (log started)") {
+      ++mStartCount;
+      continue;
+    }
     const std::string theWhole = theLine;
     mThread = TakePrefix(&theLine);
     if (mThread.empty() || !CheckNumbered(theLine, &aText)) {

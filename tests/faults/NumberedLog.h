@@ -19,8 +19,7 @@ bool LogNamed(const std::string& aName);
 // Checks what came out of one output, piece after piece.
 class NumberedLogChecker {
  public:
-  // A stretch of whole lines with prefixes. What begins with the header of a file or of a connection may
-  // begin with aHeaders lines without.
+  // A stretch of whole lines with prefixes, and of lines "NAME: box (log started)" without.
   void CheckLines(std::string_view aText);
   // One message as a callback gets it.
   void CheckMessage(std::string_view aText);
@@ -29,6 +28,8 @@ class NumberedLogChecker {
 
   // How often each name has come.
   const std::map<std::string, unsigned int>& Names() const { return mNames; }
+  // How often the file was opened.
+  unsigned int StartCount() const { return mStartCount; }
   size_t MessageCount() const { return mMessageCount; }
   size_t FailureCount() const { return mFailureCount; }
   // The first of them.
@@ -44,6 +45,7 @@ class NumberedLogChecker {
   std::map<int, std::string> mThreads;
   std::string mThread;  // of the last prefix
   std::map<std::string, unsigned int> mNames;
+  unsigned int mStartCount = 0;
   size_t mMessageCount = 0;
   size_t mFailureCount = 0;
   std::vector<std::string> mFailures;

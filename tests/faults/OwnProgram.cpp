@@ -7,8 +7,8 @@
 
 #include <filesystem>
 
-OwnProgram::OwnProgram(const std::string& aSettings) {
-  std::filesystem::copy_file("/proc/self/exe", File("box"));
+OwnProgram::OwnProgram(const std::string& aSettings, const std::string& aProgram) {
+  std::filesystem::copy_file(aProgram, File("box"));
   WriteWholeFile(File("qvLog.box.ini"), aSettings);
 }
 

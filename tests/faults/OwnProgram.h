@@ -1,5 +1,4 @@
-// OwnProgram.h - runs copies of an experiment's own program in a folder of their own, with settings beside
-// them.
+// OwnProgram.h - runs a program, by default the experiment's own, from a folder with settings beside it.
 #ifndef TESTS_FAULTS_OWNPROGRAM_H
 #define TESTS_FAULTS_OWNPROGRAM_H
 
@@ -12,8 +11,8 @@
 
 class OwnProgram {
  public:
-  // The copy is named "box".
-  explicit OwnProgram(const std::string& aSettings);
+  // Copies the program there, under the name "box".
+  explicit OwnProgram(const std::string& aSettings, const std::string& aProgram = "/proc/self/exe");
 
   // Starts a copy, which is killed when it runs longer than aSeconds.
   pid_t Start(const std::vector<std::string>& anArguments, unsigned int aSeconds) const;

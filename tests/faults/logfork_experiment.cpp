@@ -183,10 +183,9 @@ void CheckParent(Experiment* anExperiment, const char* anOutput, NumberedLogChec
 }
 
 void CheckFile(Experiment* anExperiment, const std::string& aText) {
-  const std::string kHeader = "NAME: box (log started)\n";
-  anExperiment->Check(aText.compare(0, kHeader.size(), kHeader) == 0, "file: no header");
   NumberedLogChecker theChecker;
-  theChecker.CheckLines(std::string_view(aText).substr(aText.find('\n') + 1));
+  theChecker.CheckLines(aText);
+  anExperiment->Check(theChecker.StartCount() == 1, "file: opened more than once");
   CheckParent(anExperiment, "file", &theChecker);
   for (const std::string& theName : NamesOfChildren()) {
     auto theFound = theChecker.Names().find(theName);
