@@ -59,14 +59,16 @@ static int Main_S_Collect(Options& aOptions) {
   if (!Main_S_Listen(aOptions, &theListeners, &theError) || !theDelivery.Open(&theError)) {
     return Main_S_Fail(theError);
   }
+  std::string theAnnouncement;
   for (const auto& theListener : theListeners) {
-    fprintf(stderr, "qvlogd: listening on %s\n", theListener->Name().c_str());
+    theAnnouncement += "qvlogd: listening on " + theListener->Name() + "\n";
   }
   ServiceNotifier theNotifier;
   Ledger theLedger(kLedgerEntries, aOptions.mRate);
   auto theReport = [&] { Main_S_Report(aOptions, theLedger, theDelivery); };
-  Collector(aOptions, theLedger, theDelivery, theSignals, std::move(theListeners), theReport)
-      .Run(theNotifier);
+  Collector theCollector(aOptions, theLedger, theDelivery, theSignals, std::move(theListeners), theReport);
+  fputs(theAnnouncement.c_str(), stderr);
+  theCollector.Run(theNotifier);
   theDelivery.Close();
   if (aOptions.mStats != StatsForm_None) {
     theReport();

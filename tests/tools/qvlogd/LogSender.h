@@ -3,6 +3,7 @@
 #define TESTS_TOOLS_QVLOGD_LOGSENDER_H
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -55,6 +56,17 @@ class LogSender {
       theDone += static_cast<size_t>(theCount);
     }
     return true;
+  }
+
+  // From now on as the library sends: a buffer of aBuffer bytes, and no waiting.
+  void NeverWait(int aBuffer) {
+    setsockopt(mSocket, SOL_SOCKET, SO_SNDBUF, &aBuffer, sizeof(aBuffer));
+    fcntl(mSocket, F_SETFL, fcntl(mSocket, F_GETFL) | O_NONBLOCK);
+  }
+  // One try; false unless all was sent.
+  bool SendAtOnce(const std::string& aBytes) {
+    ssize_t theCount = send(mSocket, aBytes.data(), aBytes.size(), MSG_NOSIGNAL);
+    return theCount == static_cast<ssize_t>(aBytes.size());
   }
 
   void Close() {
