@@ -50,21 +50,6 @@ TEST(Collector, LinesOfSeveralProcessesAreMergedAsTheyArrive) {
   EXPECT_EQ(theExpected, theCollector.Stop().mStdout);
 }
 
-// The second sender's line must not overtake the first one's, which waits for continuation lines.
-TEST(Collector, AQuickSecondLineStaysBehindTheFirst) {
-  RunningCollector theCollector({"--output=cat"});
-  LogSender thePlayer(theCollector.Port());
-  LogSender theTuner(theCollector.Port());
-  for (int i = 0; i < 200; ++i) {
-    thePlayer.Send(LogSender::Line("ask " + std::to_string(i)));
-    // Loopback delivers before send returns, so this one arrives later.
-    theTuner.Send(LogSender::Line("answer " + std::to_string(i)));
-  }
-  theCollector.WaitForOutput("answer 199\n");
-  std::string theOutput = theCollector.Stop().mStdout;
-  EXPECT_EQ(400u, Count(theOutput, "\n"));
-}
-
 TEST(Collector, AMessageOfManyLinesIsNotTornByOtherSenders) {
   RunningCollector theCollector({"--output=cat"});
   LogSender thePlayer(theCollector.Port());
