@@ -124,6 +124,11 @@ static bool qvLogdLogger_S_CanBePort(const char* aText) {
   return *theEnd != '\0' || (theNumber >= 1 && theNumber <= kqvLogdLogger_MaxPort);
 }
 
+// Whether a host that is no address can be a name: "192.168.1.300" is neither.
+static bool qvLogdLogger_S_CanBeName(const char* aHost) {
+  return aHost[strspn(aHost, "0123456789.")] != '\0';
+}
+
 // The first IPv4 address of a host, or null; to be released with freeaddrinfo.
 static struct addrinfo* qvLogdLogger_S_Resolve(const char* aHost, const char* aPort) {
   struct addrinfo theHints = {};
@@ -133,7 +138,7 @@ static struct addrinfo* qvLogdLogger_S_Resolve(const char* aHost, const char* aP
   theHints.ai_flags = AI_NUMERICHOST;
   struct addrinfo* theResult = NULL;
   int theError = getaddrinfo(aHost, aPort, &theHints, &theResult);
-  if (theError == EAI_NONAME) {
+  if (theError == EAI_NONAME && qvLogdLogger_S_CanBeName(aHost)) {
     theHints.ai_flags = 0;
     theError = getaddrinfo(aHost, aPort, &theHints, &theResult);
   }

@@ -12,6 +12,7 @@
 
 #include <optional>
 
+#include "support/FreshProcess.h"
 #include "support/LogDaemonTest.h"
 #include "support/RecordingLogger.h"
 
@@ -167,6 +168,14 @@ TEST_F(qvLogdLoggerFaults, TheSocketDoesNotBlockUnlessThatIsSet) {
 TEST_F(qvLogdLoggerFaults, ANumericTargetNeverReachesANameServer) {
   EXPECT_TRUE(mLogger.MakeTargetAddressFromString("127.0.0.1:9000"));
   EXPECT_THAT(sSystem.mResolverFlags, ElementsAre(AI_NUMERICHOST));
+}
+
+TEST_F(qvLogdLoggerFaults, AMistypedNumericTargetNeverReachesANameServerEither) {
+  for (const char* theTarget : {"192.168.1.300:9000", "1.2.3.4.5", "4294967296", "1..2"}) {
+    sSystem.mResolverFlags.clear();
+    EXPECT_FALSE(mLogger.MakeTargetAddressFromString(theTarget)) << theTarget;
+    EXPECT_THAT(sSystem.mResolverFlags, ElementsAre(AI_NUMERICHOST)) << theTarget;
+  }
 }
 
 TEST_F(qvLogdLoggerFaults, ANameIsLookedUpAfterItWasFoundToBeNoNumber) {
@@ -338,4 +347,18 @@ TEST_F(qvLogdLoggerFaults, ABrokenConnectionCountsAsWritableAndAClosedDescriptor
     EXPECT_EQ(theCase.mfWritable, LogText(1, 0, "x\n")) << theCase.mEvents;
     testing::internal::GetCapturedStderr();
   }
+}
+
+TEST_F(qvLogdLoggerFaults, AChildProcessLeavesAConnectionThatIsBeingMadeToItsParent) {
+  sSystem.mConnectErrors = {EINPROGRESS, EALREADY};
+  EXPECT_FALSE(LogText(1, 0, "x\n"));
+  IN_FRESH_PROCESS({
+    EXPECT_EQ(-1, mLogger.mSocket);
+    EXPECT_EQ(qvLogdLogger::State_Disconnected, mLogger.mState);
+    EXPECT_EQ(0u, mLogger.mLostLogs);
+    EXPECT_TRUE(mLogger.mfHasAddress) << "the target is the same";
+  });
+  EXPECT_NE(-1, mLogger.mSocket);
+  EXPECT_EQ(qvLogdLogger::State_Connecting, mLogger.mState);
+  EXPECT_EQ(1u, mLogger.mLostLogs);
 }

@@ -150,6 +150,17 @@ TEST_F(qvLogdLoggerLosses, AReportOfWhichNothingWasSentIsKept) {
   EXPECT_THAT(theLogger.mSent, ElementsAre("\nLOST: 7\n", "abc", "\nLOST: 7\n", "abc"));
 }
 
+TEST_F(qvLogdLoggerLosses, AReportThatFindsTheConnectionBrokenIsKeptForTheNextHeader) {
+  ScriptedLogdLogger theLogger;
+  theLogger.PretendToBeConnected();
+  theLogger.mLostLogs = 7;
+  theLogger.mResults = {{-1, EPIPE}, {-1, EPIPE}};
+  SendText(theLogger, "abc");
+  EXPECT_THAT(theLogger.mSent, ElementsAre("\nLOST: 7\n", "abc")) << "the message was tried all the same";
+  EXPECT_EQ(8u, theLogger.mLostLogs);
+  EXPECT_FALSE(theLogger.IsConnected());
+}
+
 TEST_F(qvLogdLoggerLosses, TheEndOfAMessageWithoutAConnectionCountsItAndSendsNothing) {
   ScriptedLogdLogger theLogger;
   SendText(theLogger, "abc");

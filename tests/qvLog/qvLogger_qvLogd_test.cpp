@@ -202,6 +202,22 @@ TEST_F(qvLogdLoggerTest, AWrongStateFailsAnAssertion) {
       "Wrong state", "qvLogger_qvLogd");
 }
 
+TEST_F(qvLogdLoggerTest, SendGivesTheResultOfTheSystem) {
+  qvLogdLogger theLogger(false);
+  int thePair[2];
+  ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, thePair));
+  char theBytes[] = "abcdef";
+  EXPECT_EQ(3, theLogger.Send(thePair[0], theBytes, 3));
+  EXPECT_EQ(0, theLogger.Send(thePair[0], theBytes, 0));
+  char theRead[10] = "";
+  EXPECT_EQ(3, read(thePair[1], theRead, sizeof(theRead) - 1));
+  EXPECT_STREQ("abc", theRead);
+  close(thePair[1]);
+  EXPECT_EQ(-1, theLogger.Send(thePair[0], theBytes, 3)) << "no signal";
+  EXPECT_EQ(EPIPE, theLogger.getLastSocketError());
+  close(thePair[0]);
+}
+
 TEST_F(qvLogdLoggerTest, TheLastSocketErrorIsErrno) {
   qvLogdLogger theLogger(false);
   errno = 77;
