@@ -32,7 +32,7 @@ int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
     qvUUID_GetRandomBytes(reinterpret_cast<uint8*>(&aClock->mSequence), sizeof(aClock->mSequence));
     aClock->mSequence &= kqvUUID_ClockSequenceMask;
     aClock->mLast = *aNow;
-    --aClock->mLast.tv_sec;
+    aClock->mLast.tv_sec = static_cast<int32>(static_cast<uint32>(aNow->tv_sec) - 1);
   }
   if (qvUUID_S_IsEarlier(aNow, &aClock->mLast)) {
     // The clock was set back: another sequence keeps the UUIDs apart from those of the time before.
@@ -49,11 +49,13 @@ int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
   return 1;
 }
 
-// A child process starts with the clock of its parent: another sequence keeps their UUIDs apart.
+// A child process starts with the clock of its parent: another sequence keeps their UUIDs apart. The step is
+// never a whole round of the sequences.
 static void qvUUID_S_LeaveParentsClock(void) {
   uint32 theProcessId = qvThread_GetPID();
   if (sClockProcessId != 0 && sClockProcessId != theProcessId) {
-    sClock.mSequence = static_cast<uint16>((sClock.mSequence + theProcessId) & kqvUUID_ClockSequenceMask);
+    uint32 theStep = 1 + theProcessId % kqvUUID_ClockSequenceMask;
+    sClock.mSequence = static_cast<uint16>((sClock.mSequence + theStep) & kqvUUID_ClockSequenceMask);
   }
   sClockProcessId = theProcessId;
 }

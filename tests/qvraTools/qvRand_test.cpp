@@ -65,6 +65,20 @@ TEST(qvRand, NumberIsTheRestWithinTheRange) {
   EXPECT_EQ(100u + theRaw % 10u, qvRand_MinMaxUInt32(100, 109));
 }
 
+TEST(qvRand, ARangeWhoseEndsAreSwappedWrapsAroundAt32Bits) {
+  srand(7);
+  uint32 theRaw = qvRand_UInt32();
+  uint32 theExpected = 10u + theRaw % 0xFFFFFFFCu;  // 10, 11, ... 4294967295, 0, ... 5
+  srand(7);
+  EXPECT_EQ(theExpected, qvRand_MinMaxUInt32(10, 5));
+  srand(7);
+  EXPECT_EQ(theExpected, static_cast<uint32>(qvRand_MinMaxInt32(10, 5)));
+  srand(7);
+  EXPECT_EQ(static_cast<uint16>(theExpected), qvRand_MinMaxUInt16(10, 5)) << "cut to 16 bits";
+  srand(7);
+  EXPECT_EQ(static_cast<int16>(theExpected), qvRand_MinMax(10, 5)) << "cut to 16 bits";
+}
+
 TEST(qvRand, BothEndsAreIncludedAndNothingElse) {
   srand(1);
   std::set<int32> theSigned;
@@ -107,6 +121,7 @@ static void ExpectSeed(uint32 aSeed) {
 TEST(qvRand, InitSeedsFromTheTimeAndTheLastFourBytesOfTheAddress) {
   gDevice.mTimes = {{0x50000000, 0x000F0001}};
   qvRand_Init();
+  EXPECT_EQ(0u, gDevice.mIndex) << "the first interface";
   ExpectSeed(0x500F0001 ^ 0x2B3C4D5E);
 }
 

@@ -13,6 +13,14 @@
 #include "support/ChildProcess.h"
 #include "support/FakeDevice.h"
 
+// The number of this process; 0: the system's. The program is linked with --wrap for it.
+static uint32 gProcessId = 0;
+
+extern "C" uint32 __real_qvThread_GetPID(void);
+extern "C" uint32 __wrap_qvThread_GetPID(void) {
+  return gProcessId != 0 ? gProcessId : __real_qvThread_GetPID();
+}
+
 namespace {
 
 std::string Text(const uint8* anUUID) {
@@ -73,19 +81,34 @@ TEST(qvUUID, VersionAndVariantAreMarked) {
   }
 }
 
+uint16 Sequence() {
+  unsigned int theHigh = 0;
+  uint32 theLow = 0;
+  uint16 theSequence = 0;
+  qvUUID_GetClock(&theHigh, &theLow, &theSequence);
+  return theSequence;
+}
+
 TEST(qvUUID, AChildProcessUsesAnotherClockSequence) {
-  uint8 theUUID[16];
-  qvUUID_Generate(theUUID);
-  // The next one of both processes may fall into the same microsecond.
-  ChildResult theResult = RunInChild([] {
-    uint8 theUUIDInChild[16];
-    qvUUID_Generate(theUUIDInChild);
-    puts(Text(theUUIDInChild).c_str());
-  });
-  qvUUID_Generate(theUUID);
-  const size_t kSequence = strlen("01234567-89ab-cdef-");
-  EXPECT_EQ(37u, theResult.mStdout.size());
-  EXPECT_NE(Text(theUUID).substr(kSequence, 4), theResult.mStdout.substr(kSequence, 4));
+  uint16 theFirst = Sequence();
+  // The next UUIDs of both processes may fall into the same microsecond.
+  ChildResult theResult = RunInChild([] { printf("%u", Sequence()); });
+  EXPECT_EQ(theFirst, Sequence()) << "that of the parent stays";
+  EXPECT_NE("", theResult.mStdout);
+  EXPECT_NE(std::to_string(theFirst), theResult.mStdout);
+}
+
+TEST(qvUUID, NoNumberOfAChildProcessGivesItItsParentsClockSequence) {
+  gProcessId = 1;
+  uint16 theSequence = Sequence();
+  for (uint32 theProcessId : {0x1FFEu, 0x1FFFu, 0x2000u, 0x4000u, 0x3FFEu, 0x8000u, 0xFFFFFFFFu}) {
+    gProcessId = theProcessId;
+    uint16 theNext = Sequence();
+    EXPECT_NE(theSequence, theNext) << theProcessId;
+    EXPECT_LE(theNext, 0x1FFF) << theProcessId;
+    EXPECT_EQ(theNext, Sequence()) << "once in a process";
+    theSequence = theNext;
+  }
 }
 
 TEST(qvUUID, ManyUUIDsDiffer) {
@@ -149,6 +172,7 @@ TEST(qvUUID, NodeIsTheAddressThatTheDeviceHadFirst) {
   uint8 theUUID[16];
   qvUUID_Generate(theUUID);
   EXPECT_EQ("021a2b3c4d5e", Text(theUUID).substr(24));
+  EXPECT_EQ(0u, gDevice.mIndex) << "the first interface";
   gDevice.mAddress[0] = 0x77;
   qvUUID_Generate(theUUID);
   EXPECT_EQ("021a2b3c4d5e", Text(theUUID).substr(24));
@@ -259,6 +283,15 @@ TEST(qvUUIDClock, TheSequenceWrapsAt13Bits) {
   const qvtimeval kEarlier = {1000, 499};
   qvUUID_S_AdvanceClock(&theClock, &kEarlier);
   EXPECT_EQ(0, theClock.mSequence);
+}
+
+TEST(qvUUIDClock, TheFirstTimeCanBeTheEarliestOne) {
+  qvUUID_Clock theClock = {};
+  const qvtimeval kNow = {INT32_MIN, 500};
+  EXPECT_EQ(1, qvUUID_S_AdvanceClock(&theClock, &kNow));
+  EXPECT_EQ(INT32_MIN, theClock.mLast.tv_sec);
+  EXPECT_EQ(500, theClock.mLast.tv_usec);
+  EXPECT_EQ(0, theClock.mAdjustment);
 }
 
 TEST(qvUUIDClock, ALaterTimeKeepsTheSequence) {

@@ -18,6 +18,7 @@ struct FakeDevice {
   // The address, or that there is none: then the buffer is left as it is.
   uint8 mAddress[6] = {0x02, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
   bool mfHasAddress = true;
+  size_t mIndex = 99;  // of the interface that was asked for last
 };
 inline FakeDevice gDevice;
 
@@ -35,7 +36,8 @@ extern "C" void __wrap_qvTime_GetTimeOfDay(qvtimeval* aTimeVal) {
   }
 }
 
-extern "C" int __wrap_qvMACAddress_Get(size_t, uint8* aMACAddress) {
+extern "C" int __wrap_qvMACAddress_Get(size_t anIndex, uint8* aMACAddress) {
+  gDevice.mIndex = anIndex;
   if (!gDevice.mfHasAddress) {
     return -1;
   }
