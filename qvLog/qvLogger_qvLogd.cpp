@@ -1,16 +1,14 @@
 #include "qvLog/qvLogger_qvLogd.h"
 
 #include <errno.h>
-#include <netdb.h>
 #include <poll.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "qvLog/qvLogFork_p.h"
-#include "qvOS/qvPlatform.h"
+#include "qvLog/qvLogger_qvLogd_p.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvMalloc.h"
@@ -18,21 +16,11 @@
 #include "qvraTools/qvUUID.h"
 
 #define kqvLogdLogger_DefaultLevel    "All"
-#define kqvLogdLogger_DefaultTarget   "%QVRALOG%"
 #define kqvLogdLogger_DefaultBlocking 0
-
-#define kqvLogdLogger_Variable     "QVRALOG"
-#define kqvLogdLogger_VariableMark "%QVRALOG%" /* stands for the variable's value in a target */
-#define kqvLogdLogger_LocalTarget  "127.0.0.1:12222"
-#define kqvLogdLogger_NoTarget     "null"
-#define kqvLogdLogger_DefaultPort  "12222"
-#define kqvLogdLogger_MaxPort      65535
 
 #define kqvLogdLogger_SendBuffer     102400 /* bytes; absorbs bursts before messages are lost */
 #define kqvLogdLogger_LossReportSize 20     /* bytes */
 #define kqvLogdLogger_UUIDSize       16     /* bytes */
-
-#define kqvLogdLogger_Rule "#######################################################\n"
 
 qvLogdLogger* qvLogdLogger::sInstance = NULL;
 
@@ -43,11 +31,6 @@ static bool sfRefused = false;
 // The UUID is the parent process's. Most children execute another program and never connect, so their own one
 // is made for their first header.
 static bool sfHasParentsUUID = false;
-
-// The settings are read for every resolution, and by a reload for the populated file.
-static qvCString qvLogdLogger_S_ReadTarget(qvLogdLogger* aLogger) {
-  return aLogger->GetConfig("Target", kqvLogdLogger_DefaultTarget);
-}
 
 // Sends nothing: what is not sent yet is left to the system.
 static void qvLogdLogger_S_CloseSocket(qvLogdLogger* aLogger) {
@@ -95,7 +78,7 @@ qvLogdLogger::~qvLogdLogger() {
 
 void qvLogdLogger::ReloadConfig() {
   ChangeLevel(GetConfigLevel(kqvLogdLogger_DefaultLevel));
-  qvLogdLogger_S_ReadTarget(this);
+  GetConfig("Target", kqvLogdLogger_DefaultTarget);
   mfBlocking = GetConfig("Blocking", kqvLogdLogger_DefaultBlocking);
   qvLogdLogger_S_CloseSocket(this);
   mfHasAddress = false;
@@ -109,93 +92,6 @@ int qvLogdLogger::Send(int aSocket, char* aBytes, int aLength) {
 }
 
 int qvLogdLogger::getLastSocketError() { return errno; }
-
-qvCString qvLogdLogger::GetEnv(const char* aName) {
-  char* theValue = qvPlatform_getenv(aName);
-  qvCString theResult(theValue != NULL ? theValue : "");
-  qvFree(theValue);
-  return theResult;
-}
-
-// The resolver would cut a number to 16 bits. Any other text may be the name of a service.
-static bool qvLogdLogger_S_CanBePort(const char* aText) {
-  char* theEnd;
-  long theNumber = strtol(aText, &theEnd, 10);
-  return *theEnd != '\0' || (theNumber >= 1 && theNumber <= kqvLogdLogger_MaxPort);
-}
-
-// Whether a host that is no address can be a name: "192.168.1.300" is neither.
-static bool qvLogdLogger_S_CanBeName(const char* aHost) {
-  return aHost[strspn(aHost, "0123456789.")] != '\0';
-}
-
-// The first IPv4 address of a host, or null; to be released with freeaddrinfo.
-static struct addrinfo* qvLogdLogger_S_Resolve(const char* aHost, const char* aPort) {
-  struct addrinfo theHints = {};
-  theHints.ai_family = AF_INET;
-  theHints.ai_socktype = SOCK_STREAM;
-  // Numbers first: they must not wait for a name server.
-  theHints.ai_flags = AI_NUMERICHOST;
-  struct addrinfo* theResult = NULL;
-  int theError = getaddrinfo(aHost, aPort, &theHints, &theResult);
-  if (theError == EAI_NONAME && qvLogdLogger_S_CanBeName(aHost)) {
-    theHints.ai_flags = 0;
-    theError = getaddrinfo(aHost, aPort, &theHints, &theResult);
-  }
-  return theError == 0 ? theResult : NULL;
-}
-
-bool qvLogdLogger::MakeTargetAddressFromString(const qvCString& aTarget) {
-  mTargetStr = aTarget;
-  qvCString theHost = aTarget;
-  qvCString thePort = kqvLogdLogger_DefaultPort;
-  if (aTarget.Find(':') != -1) {
-    theHost = aTarget.BeforeLast(':');
-    thePort = aTarget.AfterLast(':');
-    if (thePort.IsEmpty()) {
-      thePort = kqvLogdLogger_DefaultPort;
-    }
-  }
-  if (theHost.IsEmpty() || !qvLogdLogger_S_CanBePort(thePort)) {
-    return false;
-  }
-  struct addrinfo* theAddress = qvLogdLogger_S_Resolve(theHost, thePort);
-  if (theAddress == NULL) {
-    return false;
-  }
-  memcpy(&mAddr, theAddress->ai_addr, theAddress->ai_addrlen);
-  mAddrLen = theAddress->ai_addrlen;
-  freeaddrinfo(theAddress);
-  return true;
-}
-
-static void qvLogdLogger_S_WarnOfVariable(const char* aTarget) {
-  qvCString theFile = qvLogger::GetConfigFileName();
-  fprintf(stderr,
-          kqvLogdLogger_Rule
-          "# Warning: QVRALOG is deprecated. To change log target,\n"
-          "# edit %s\n"
-          "# or _%s\n"
-          "# Current target: %s\n" kqvLogdLogger_Rule,
-          theFile.c_str(), theFile.c_str(), aTarget);
-}
-
-bool qvLogdLogger::MakeTargetAddress() {
-  qvCString theTarget = qvLogdLogger_S_ReadTarget(this);
-  qvCString theVariable = GetEnv(kqvLogdLogger_Variable);
-  if (theTarget.Contains(kqvLogdLogger_VariableMark)) {
-    theTarget.Replace(kqvLogdLogger_VariableMark, theVariable);
-  } else if (!theVariable.IsEmpty() && theVariable != theTarget) {
-    qvLogdLogger_S_WarnOfVariable(theTarget);
-  }
-  if (theTarget.IsEmpty()) {
-    theTarget = kqvLogdLogger_LocalTarget;
-  } else if (theTarget.CompareNoCase(kqvLogdLogger_NoTarget) == 0) {
-    ChangeLevel(QVLOGLEVEL_NONE);
-    return false;
-  }
-  return MakeTargetAddressFromString(theTarget);
-}
 
 static bool qvLogdLogger_S_OpenSocket(qvLogdLogger* aLogger) {
   // Programs that the process launches do not inherit the connection.
