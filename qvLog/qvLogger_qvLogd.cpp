@@ -1,6 +1,7 @@
 #include "qvLog/qvLogger_qvLogd.h"
 
 #include <errno.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <stdio.h>
 #include <string.h>
@@ -128,6 +129,25 @@ static int qvLogdLogger_S_Connect(qvLogdLogger* aLogger) {
   return theError == EALREADY ? EINPROGRESS : theError;
 }
 
+// Without a listener, the system may draw the target's port as the socket's own, and connect it to itself.
+// The daemon could not listen there then, for as long as the process lives.
+static bool qvLogdLogger_S_IsItsOwnPeer(const qvLogdLogger* aLogger) {
+  struct sockaddr_in theOwn = {};
+  socklen_t theLength = sizeof(theOwn);
+  if (getsockname(aLogger->mSocket, reinterpret_cast<struct sockaddr*>(&theOwn), &theLength) != 0) {
+    return false;
+  }
+  const struct sockaddr_in* theTarget = reinterpret_cast<const struct sockaddr_in*>(&aLogger->mAddr);
+  return theOwn.sin_port == theTarget->sin_port && theOwn.sin_addr.s_addr == theTarget->sin_addr.s_addr;
+}
+
+// Closes so that the port is free at once; it would be kept for a minute.
+static void qvLogdLogger_S_LeaveOwnPeer(qvLogdLogger* aLogger) {
+  struct linger theReset = {1, 0};
+  setsockopt(aLogger->mSocket, SOL_SOCKET, SO_LINGER, &theReset, sizeof(theReset));
+  qvLogdLogger_S_CloseSocket(aLogger);
+}
+
 static void qvLogdLogger_S_StartMessage(qvLogdLogger* aLogger) {
   aLogger->mBufferLen = 0;
   sfRefused = false;
@@ -168,6 +188,10 @@ bool qvLogdLogger::MakeConnected(qvLogDataEx* aRecord) {
   }
   if (qvLogdLogger_S_IsUnderWay(theError)) {
     theError = qvLogdLogger_S_Connect(this);
+  }
+  if (theError == 0 && qvLogdLogger_S_IsItsOwnPeer(this)) {
+    qvLogdLogger_S_LeaveOwnPeer(this);
+    theError = ECONNREFUSED;
   }
   if (theError != 0) {
     if (!qvLogdLogger_S_IsUnderWay(theError)) {

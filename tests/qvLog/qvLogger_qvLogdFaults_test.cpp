@@ -1,11 +1,13 @@
 // How the log daemon logger meets the system: the calls it makes, and every result that they can have. The
 // program is linked with --wrap for them; what a test does not script goes to the system.
 
+#include <arpa/inet.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netdb.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -34,8 +36,24 @@ struct FakeSystem {
   std::vector<std::string> mSockets;
   std::vector<int> mResolverFlags;
   std::optional<short> mPollEvents;  // the answer of the next calls of poll; 0: time-out
+  // The system gives the next sockets this port, as it may do with any that is free.
+  std::optional<uint16_t> mOwnPort;
 };
 FakeSystem sSystem;
+
+// To any free one when aPort is 0. Returns the port, or 0 when it is taken.
+uint16_t BindToPort(int aSocket, uint16_t aPort) {
+  struct sockaddr_in theAddress = {};
+  theAddress.sin_family = AF_INET;
+  theAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  theAddress.sin_port = htons(aPort);
+  socklen_t theLength = sizeof(theAddress);
+  struct sockaddr* theBytes = reinterpret_cast<struct sockaddr*>(&theAddress);
+  if (bind(aSocket, theBytes, theLength) != 0 || getsockname(aSocket, theBytes, &theLength) != 0) {
+    return 0;
+  }
+  return ntohs(theAddress.sin_port);
+}
 
 }  // namespace
 
@@ -50,7 +68,11 @@ int __wrap_socket(int aFamily, int aType, int aProtocol) {
   sSystem.mSockets.push_back(std::string(aFamily == AF_INET ? "inet" : "?") +
                              ((aType & SOCK_STREAM) != 0 ? " stream" : "") +
                              ((aType & SOCK_CLOEXEC) != 0 ? " close-on-exec" : ""));
-  return __real_socket(aFamily, aType, aProtocol);
+  int theSocket = __real_socket(aFamily, aType, aProtocol);
+  if (sSystem.mOwnPort) {
+    BindToPort(theSocket, *sSystem.mOwnPort);
+  }
+  return theSocket;
 }
 
 int __real_connect(int aSocket, const struct sockaddr* anAddress, socklen_t aLength);
@@ -290,6 +312,27 @@ TEST_F(qvLogdLoggerFaults, AConnectionThatFailsAfterAWhileIsCountedAndGivenUp) {
   EXPECT_EQ(-1, mLogger.mSocket);
   EXPECT_EQ(-1, fcntl(theSocket, F_GETFD)) << "closed";
   EXPECT_EQ(qvLogdLogger::State_Disconnected, mLogger.mState);
+}
+
+TEST_F(qvLogdLoggerFaults, ASocketThatTheSystemConnectsToItselfIsGivenUpAndLeavesThePortToTheDaemon) {
+  int theDaemon = __real_socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  uint16_t thePort = BindToPort(theDaemon, 0);
+  close(theDaemon);
+  mVariable.Set(("127.0.0.1:" + std::to_string(thePort)).c_str());
+  qvLog_ReloadConfig();
+  sSystem.mOwnPort = thePort;
+  EXPECT_FALSE(LogText(1, 0, "x\n"));
+  EXPECT_EQ(1u, mLogger.mLostLogs);
+  EXPECT_EQ(-1, mLogger.mSocket);
+  EXPECT_EQ(qvLogdLogger::State_Disconnected, mLogger.mState);
+  EXPECT_TRUE(mLogger.mSent.empty());
+
+  theDaemon = __real_socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  EXPECT_EQ(thePort, BindToPort(theDaemon, thePort));
+  EXPECT_EQ(0, listen(theDaemon, 1));
+  sSystem.mOwnPort.reset();
+  EXPECT_TRUE(LogText(1, 0, "x\n"));
+  close(theDaemon);
 }
 
 TEST_F(qvLogdLoggerFaults, NoSocketIsLeftOpenByConnectionsThatFail) {
