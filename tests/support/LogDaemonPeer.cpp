@@ -29,7 +29,7 @@ struct sockaddr_in LocalAddress(int aPort) {
 
 }  // namespace
 
-LogDaemonPeer::LogDaemonPeer() {
+LogDaemonPeer::LogDaemonPeer(int aPort) : mPort(aPort) {
   Bind();
   Listen();
 }
@@ -148,11 +148,12 @@ std::string LogDaemonPeer::Read(size_t aCount) {
   return Take(aCount);
 }
 
-std::string LogDaemonPeer::ReadWhatIsThere() {
+std::string LogDaemonPeer::ReadWhatIsThere(size_t aLimit) {
   if (mConnection == -1 && HasCaller()) {
     Accept();
   }
-  while (mConnection != -1 && IsReadable(mConnection, 0) && Receive()) {
+  while (mConnection != -1 && mUnread.size() < aLimit && IsReadable(mConnection, 0) &&
+         Receive(aLimit - mUnread.size())) {
   }
   return Take(mUnread.size());
 }
@@ -164,6 +165,8 @@ void LogDaemonPeer::SendAllThatFits() {
 }
 
 void LogDaemonPeer::CloseHalf() { EXPECT_EQ(0, shutdown(mConnection, SHUT_WR)); }
+
+void LogDaemonPeer::CloseReadingHalf() { EXPECT_EQ(0, shutdown(mConnection, SHUT_RD)); }
 
 void LogDaemonPeer::Close() {
   if (mConnection != -1) {

@@ -11,8 +11,8 @@
 
 class LogDaemonPeer {
  public:
-  // Listens.
-  LogDaemonPeer();
+  // Listens, on any free port when aPort is 0.
+  explicit LogDaemonPeer(int aPort = 0);
   ~LogDaemonPeer();
   LogDaemonPeer(const LogDaemonPeer&) = delete;
   LogDaemonPeer& operator=(const LogDaemonPeer&) = delete;
@@ -41,13 +41,15 @@ class LogDaemonPeer {
   std::string ReadUntil(const std::string& aText);
   std::string ReadToEnd();
   std::string Read(size_t aCount);
-  // The bytes that have arrived.
-  std::string ReadWhatIsThere();
+  // The bytes that have arrived, of which more than aLimit are left to the system.
+  std::string ReadWhatIsThere(size_t aLimit = static_cast<size_t>(-1));
 
   // Sends back as much as the system takes.
   void SendAllThatFits();
   // Says that nothing more will be sent; reads on.
   void CloseHalf();
+  // Says to its own system that it will read nothing more.
+  void CloseReadingHalf();
   void Close();
   // Closes so that the other side's next look at the connection is an error.
   void Reset();
