@@ -24,7 +24,60 @@ struct Rules {
   void* mUserData;
 };
 
+// The text while it is worked on, in one block: what is finished, a gap, and what is still to be scanned with
+// its terminator.
+//
+//   | finished |      gap      | rest \0 |
+//   0          mDone           mRest      mSize
+//
+// Nothing but the bytes that are finished is ever moved, so that a text full of variables takes no longer
+// than its length.
+struct GapText {
+  char* mBlock;
+  size_t mDone;
+  size_t mRest;
+  size_t mSize;
+};
+
 }  // namespace
+
+static GapText qvStringSubstitution_S_NewText(const char* aStr) {
+  size_t theSize = strlen(aStr) + 1;
+  return GapText{qvStrndup(aStr, theSize - 1), 0, 0, theSize};
+}
+
+// Moves the first aLength bytes of the rest to what is finished.
+static void qvStringSubstitution_S_Finish(GapText* aText, size_t aLength) {
+  memmove(aText->mBlock + aText->mDone, aText->mBlock + aText->mRest, aLength);
+  aText->mDone += aLength;
+  aText->mRest += aLength;
+}
+
+// Makes the gap at least aLength bytes wide. The block at least doubles, so that this is seldom needed.
+static void qvStringSubstitution_S_Widen(GapText* aText, size_t aLength) {
+  if (aText->mRest - aText->mDone >= aLength) {
+    return;
+  }
+  size_t theRestLength = aText->mSize - aText->mRest;
+  size_t theNewSize = (aText->mSize + aLength) * 2;
+  aText->mBlock = static_cast<char*>(qvRealloc(aText->mBlock, theNewSize));
+  memmove(aText->mBlock + theNewSize - theRestLength, aText->mBlock + aText->mRest, theRestLength);
+  aText->mRest = theNewSize - theRestLength;
+  aText->mSize = theNewSize;
+}
+
+// Puts a replacement in front of the rest.
+static void qvStringSubstitution_S_Insert(GapText* aText, const char* aReplacement, size_t aLength) {
+  qvStringSubstitution_S_Widen(aText, aLength);
+  aText->mRest -= aLength;
+  memcpy(aText->mBlock + aText->mRest, aReplacement, aLength);
+}
+
+// The text with the rest as it stands, in a block of its own size.
+static char* qvStringSubstitution_S_TakeText(GapText* aText) {
+  qvStringSubstitution_S_Finish(aText, aText->mSize - aText->mRest);
+  return static_cast<char*>(qvRealloc(aText->mBlock, aText->mDone));
+}
 
 // Takes the name as the bytes between the marks; gives a new text, or null.
 static char* qvStringSubstitution_S_Resolve(const Rules& aRules, const char* aName, size_t aNameLength) {
@@ -38,51 +91,38 @@ static char* qvStringSubstitution_S_Resolve(const Rules& aRules, const char* aNa
   return theReplacement;
 }
 
-// Replaces aSpanLength bytes at aPos of *aText, a block that holds *aLength bytes and a terminator.
-static void qvStringSubstitution_S_ReplaceSpan(char** aText, size_t* aLength, size_t aPos, size_t aSpanLength,
-                                               const char* aReplacement, size_t aReplacementLength) {
-  size_t theNewLength = *aLength - aSpanLength + aReplacementLength;
-  if (aReplacementLength > aSpanLength) {
-    *aText = static_cast<char*>(qvRealloc(*aText, theNewLength + 1));
+// Replaces the first variable of the rest; false when there is none.
+static bool qvStringSubstitution_S_ReplaceNext(GapText* aText, const Rules& aRules) {
+  const char* theRest = aText->mBlock + aText->mRest;
+  const char* theStart = strstr(theRest, aRules.mStartMarker);
+  const char* theEnd = theStart != NULL ? strstr(theStart + aRules.mStartLength, aRules.mEndMarker) : NULL;
+  // Where both marks are empty, there is nothing to find.
+  if (theEnd == NULL || theEnd + aRules.mEndLength == theStart) {
+    return false;
   }
-  size_t theTail = aPos + aSpanLength;
-  memmove(*aText + aPos + aReplacementLength, *aText + theTail, *aLength - theTail + 1);
-  if (aReplacementLength > 0) {
-    memcpy(*aText + aPos, aReplacement, aReplacementLength);
+  const char* theName = theStart + aRules.mStartLength;
+  size_t theSpanLength = static_cast<size_t>(theEnd - theStart) + aRules.mEndLength;
+  char* theReplacement =
+      qvStringSubstitution_S_Resolve(aRules, theName, static_cast<size_t>(theEnd - theName));
+  qvStringSubstitution_S_Finish(aText, static_cast<size_t>(theStart - theRest));
+  aText->mRest += theSpanLength;
+  if (theReplacement != NULL) {
+    size_t theLength = strlen(theReplacement);
+    qvStringSubstitution_S_Insert(aText, theReplacement, theLength);
+    qvStringSubstitution_S_Finish(aText, aRules.mfRecursive ? 0 : theLength);
   }
-  *aLength = theNewLength;
+  qvFree(theReplacement);
+  return true;
 }
 
 static char* qvStringSubstitution_S_Run(const char* aStr, const Rules& aRules) {
-  char* theText = qvStrdup(aStr);
-  if (theText == NULL) {
+  if (aStr == NULL) {
     return NULL;
   }
-  size_t theLength = strlen(theText);
-  size_t theScanPos = 0;
-  for (;;) {
-    const char* theStart = strstr(theText + theScanPos, aRules.mStartMarker);
-    if (theStart == NULL) {
-      return theText;
-    }
-    const char* theName = theStart + aRules.mStartLength;
-    const char* theEnd = strstr(theName, aRules.mEndMarker);
-    if (theEnd == NULL) {
-      return theText;
-    }
-    size_t theStartPos = static_cast<size_t>(theStart - theText);
-    size_t theSpanLength = static_cast<size_t>(theEnd - theStart) + aRules.mEndLength;
-    if (theSpanLength == 0) {
-      return theText;  // both marks are empty, so there is nothing to find
-    }
-    char* theReplacement =
-        qvStringSubstitution_S_Resolve(aRules, theName, static_cast<size_t>(theEnd - theName));
-    size_t theReplacementLength = theReplacement != NULL ? strlen(theReplacement) : 0;
-    qvStringSubstitution_S_ReplaceSpan(&theText, &theLength, theStartPos, theSpanLength, theReplacement,
-                                       theReplacementLength);
-    qvFree(theReplacement);
-    theScanPos = aRules.mfRecursive ? theStartPos : theStartPos + theReplacementLength;
+  GapText theText = qvStringSubstitution_S_NewText(aStr);
+  while (qvStringSubstitution_S_ReplaceNext(&theText, aRules)) {
   }
+  return qvStringSubstitution_S_TakeText(&theText);
 }
 
 char* qvStringSubstitution_Substitute(const char* aStr, char anEscapeChar, int afRecursive,

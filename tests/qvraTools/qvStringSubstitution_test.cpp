@@ -285,3 +285,19 @@ TEST(qvStringSubstitution, DottedFormIsDigitsAndThreeDots) {
     EXPECT_EQ(theCase.mExpected, qvStringSubstitution_IsHostNameInIPDotForm(theText.data())) << theCase.mWhy;
   }
 }
+
+TEST(qvStringSubstitution, ManyReplacementsLongerThanTheirNamesAllFindTheirPlace) {
+  std::string theText;
+  std::string theExpected;
+  for (int i = 0; i < 1000; ++i) {
+    theText += "<%long%>";
+    theExpected += "<a text longer than its name>";
+  }
+  EXPECT_EQ(Substitute(theText.c_str()), theExpected);
+  EXPECT_EQ(Substitute(theText.c_str(), 1), theExpected);
+}
+
+TEST(qvStringSubstitution, AMebibyteOfMarksIsReplacedPairByPair) {
+  EXPECT_EQ(Substitute(std::string(1 << 20, '%').c_str()), std::string(1 << 19, '%'));
+  EXPECT_EQ(Substitute(std::string(1 << 20, '%').c_str(), 1), "%");
+}
