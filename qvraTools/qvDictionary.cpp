@@ -49,9 +49,10 @@ static qvDictionaryEntry* qvDictionary_S_Find(const qvDictionary* aDictionary, c
   return NULL;
 }
 
+// The hash is looked at first, since it lies in the array and the key does not.
 static qvDictionaryEntry* qvDictionary_S_FindFree(qvDictionary* aDictionary) {
   for (size_t i = 0; i < aDictionary->mSize; ++i) {
-    if (aDictionary->mEntries[i].mKey[0] == '\0') {
+    if (aDictionary->mEntries[i].mHash == 0 && aDictionary->mEntries[i].mKey[0] == '\0') {
       return &aDictionary->mEntries[i];
     }
   }
