@@ -1,67 +1,127 @@
-// Whatever a settings file holds, it loads; and what has been saved and loaded once comes back the same.
+// Whatever a settings file holds, it loads as the format's description says; and what the format can carry
+// comes back the same when it is saved and loaded again.
 #include "qvraTools/qvINIFile.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <unistd.h>
+#include <algorithm>
 
 #include "FuzzInput.h"
+#include "MemoryFiles.h"
+#include "SettingsModel.h"
 
-// A longer line without '=' is a key that is too long, which ends the process on purpose; the text of a line
-// that is longer still is cut when it is saved.
-static bool HasOverlongLine(const std::string& aText) {
-  size_t theStart = 0;
-  while (theStart < aText.size()) {
-    size_t theEnd = aText.find_first_of("\r\n", theStart);
-    theEnd = theEnd == std::string::npos ? aText.size() : theEnd;
-    std::string theLine = aText.substr(theStart, theEnd - theStart);
-    if (theLine.size() > 400 || (theLine.size() > 127 && theLine.find('=') == std::string::npos)) {
-      return true;
-    }
-    theStart = theEnd + 1;
-  }
-  return false;
+static const char kPath[] = "/settings.ini";
+
+static std::string Save(qvDictionary* aDictionary) {
+  FUZZ_REQUIRE(qvINIFile_SaveINIFile(kPath, aDictionary) == 1);
+  return *MemoryFiles_Get(kPath);
 }
 
-static std::string LoadAndSave(const std::string& aText) {
-  static const int sFile = memfd_create("settings", 0);
-  static const std::string sPath = "/proc/self/fd/" + std::to_string(sFile);
-  qvDictionary* theDictionary = qvDictionary_New(0);
-  FUZZ_REQUIRE(qvINIFile_LoadINIFileFromBuffer(aText.data(), aText.size(), theDictionary) == 1);
+static void CheckEntries(const qvDictionary* aDictionary, const SettingsModel& aModel) {
+  const std::vector<SettingsModel::Entry>& theEntries = aModel.Entries();
+  FUZZ_REQUIRE(qvDictionary_GetEntryCount(aDictionary) == theEntries.size());
+  for (size_t i = 0; i < theEntries.size(); ++i) {
+    FUZZ_REQUIRE(theEntries[i].first == qvDictionary_GetKeyAtIndex(aDictionary, i));
+    FUZZ_REQUIRE(theEntries[i].second == qvDictionary_GetValueAtIndex(aDictionary, i));
+  }
+}
+
+// What the typed readers make of a text, by the C library's.
+static void CheckTypedReads(qvDictionary* aDictionary, const char* aSection, const char* aKey,
+                            const std::string& aValue) {
   int theFound = 0;
-  for (size_t i = 0; i < qvINIFile_GetNumberOfSections(theDictionary); ++i) {
-    std::string theSection = qvINIFile_GetSectionName(theDictionary, i);
-    if (theSection.size() >= 128) {
+  double theDouble = qvINIFile_ReadKeyAsDouble(aDictionary, aSection, aKey, -1.0, &theFound);
+  double theExpected = atof(aValue.c_str());
+  FUZZ_REQUIRE(theFound == 1 && memcmp(&theDouble, &theExpected, sizeof(theDouble)) == 0);
+  char theFirst = aValue.empty() ? '\0' : aValue[0];
+  int theBool = qvINIFile_ReadKeyAsBool(aDictionary, aSection, aKey, 7, &theFound);
+  bool theSignFlag = strchr("+-0123456789 \t\n\v\f\r", theFirst) != nullptr;
+  if (!theSignFlag) {
+    FUZZ_REQUIRE(theBool == (strchr("tTyY", theFirst) ? 1 : strchr("fFnN", theFirst) ? 0 : 7));
+  }
+  int32 theInt32 = qvINIFile_ReadKeyAsInt32(aDictionary, aSection, aKey, 7, &theFound);
+  uint32 theUInt32 = qvINIFile_ReadKeyAsUInt32(aDictionary, aSection, aKey, 7, &theFound);
+  char* theEnd;
+  long long theNumber = strtoll(aValue.c_str(), &theEnd, 10);
+  if (theSignFlag && theFirst != '\0' && *theEnd == '\0' && llabs(theNumber) < INT32_MAX) {
+    bool theNumberFlag = theEnd != aValue.c_str();
+    FUZZ_REQUIRE(theInt32 == (theNumberFlag ? theNumber : 7));
+    FUZZ_REQUIRE(theBool == (theNumberFlag ? theNumber != 0 : 7));
+    bool theDecimalFlag = theNumber > 0 && aValue.find_first_of("+123456789") < aValue.find('0');
+    FUZZ_REQUIRE(!theDecimalFlag || theUInt32 == static_cast<uint32>(theNumber));
+  }
+}
+
+// Reads every setting by its section and its key, as an application does.
+static void CheckReads(qvDictionary* aDictionary, const SettingsModel& aModel) {
+  size_t theSectionCount = 0;
+  for (const SettingsModel::Entry& theEntry : aModel.Entries()) {
+    size_t theSlash = theEntry.first.find('/');
+    if (theSlash == std::string::npos) {
+      bool theDefaultFlag = theEntry.first == "default";
+      FUZZ_REQUIRE((theDefaultFlag ? "" : theEntry.first) ==
+                   qvINIFile_GetSectionName(aDictionary, theSectionCount));
+      ++theSectionCount;
       continue;
     }
-    for (size_t j = 0; j < qvINIFile_GetNumberOfKeys(theDictionary, theSection.c_str()); ++j) {
-      std::string theKey = qvINIFile_GetKeyName(theDictionary, theSection.c_str(), j);
-      if (theKey.size() < 128) {
-        FUZZ_REQUIRE(qvINIFile_ReadKeyAsString(theDictionary, theSection.c_str(), theKey.c_str(), nullptr,
-                                               &theFound) != nullptr);
-        qvINIFile_ReadKeyAsInt32(theDictionary, theSection.c_str(), theKey.c_str(), 0, &theFound);
-        qvINIFile_ReadKeyAsBool(theDictionary, theSection.c_str(), theKey.c_str(), 0, &theFound);
-      }
+    std::string theSection = theEntry.first.substr(0, theSlash);
+    std::string theKey = theEntry.first.substr(theSlash + 1);
+    if (theKey.size() < 128 && aModel.Find(theSection) != nullptr) {
+      int theFound = 0;
+      FUZZ_REQUIRE(theEntry.second ==
+                   qvINIFile_ReadKeyAsString(aDictionary, theSection.c_str(), theKey.c_str(), "", &theFound));
+      FUZZ_REQUIRE(theFound == 1);
+      CheckTypedReads(aDictionary, theSection.c_str(), theKey.c_str(), theEntry.second);
     }
   }
-  FUZZ_REQUIRE(qvINIFile_SaveINIFile(sPath.c_str(), theDictionary) == 1);
+  FUZZ_REQUIRE(qvINIFile_GetNumberOfSections(aDictionary) == theSectionCount);
+}
+
+static void CheckKeyNames(qvDictionary* aDictionary, const SettingsModel& aModel,
+                          const std::string& aSection) {
+  std::string thePrefix = aSection + "/";
+  size_t theCount = 0;
+  for (const SettingsModel::Entry& theEntry : aModel.Entries()) {
+    if (theEntry.first.compare(0, thePrefix.size(), thePrefix) == 0) {
+      FUZZ_REQUIRE(theEntry.first.substr(thePrefix.size()) ==
+                   qvINIFile_GetKeyName(aDictionary, aSection.c_str(), theCount));
+      ++theCount;
+    }
+  }
+  FUZZ_REQUIRE(qvINIFile_GetNumberOfKeys(aDictionary, aSection.c_str()) == theCount);
+}
+
+static std::vector<SettingsModel::Entry> Sorted(std::vector<SettingsModel::Entry> anEntries) {
+  std::sort(anEntries.begin(), anEntries.end());
+  return anEntries;
+}
+
+// Loads what was saved last from its file.
+static void CheckLoadingAgain(const SettingsModel& aBefore, const std::string& aSaved) {
+  SettingsModel theModel;
+  theModel.Load(aSaved);
+  qvDictionary* theDictionary = qvDictionary_New(0);
+  FUZZ_REQUIRE(qvINIFile_LoadINIFile(kPath, theDictionary) == 1);
+  CheckEntries(theDictionary, theModel);
+  if (aBefore.SurvivesSaving()) {
+    FUZZ_REQUIRE(Sorted(theModel.Entries()) == Sorted(aBefore.Entries()));
+    FUZZ_REQUIRE(Save(theDictionary) == aSaved);
+  }
   qvDictionary_Delete(theDictionary);
-  off_t theSize = lseek(sFile, 0, SEEK_END);
-  std::string theSaved(static_cast<size_t>(theSize), '\0');
-  FUZZ_REQUIRE(pread(sFile, theSaved.data(), theSaved.size(), 0) == theSize);
-  return theSaved;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
-  std::string theText(reinterpret_cast<const char*>(aBytes), aLength);
-  if (HasOverlongLine(theText)) {
-    return 0;
-  }
-  std::string theSecond = LoadAndSave(LoadAndSave(theText));
-  // A key that begins with a byte order mark loses it when it stands at the very start of the file.
-  bool theMarkFlag = theSecond.compare(0, 3, "\xEF\xBB\xBF") == 0;
-  if (!HasOverlongLine(theSecond) && !theMarkFlag) {
-    FUZZ_REQUIRE(LoadAndSave(theSecond) == theSecond);
-  }
+  std::string theText =
+      SettingsModel::LoadablePart(std::string(reinterpret_cast<const char*>(aBytes), aLength));
+  SettingsModel theModel;
+  theModel.Load(theText);
+  qvDictionary* theDictionary = qvDictionary_New(0);
+  FUZZ_REQUIRE(qvINIFile_LoadINIFileFromBuffer(ExactCopy(theText).Data(), theText.size(), theDictionary) ==
+               1);
+  CheckEntries(theDictionary, theModel);
+  CheckReads(theDictionary, theModel);
+  CheckKeyNames(theDictionary, theModel, "default");
+  std::string theSaved = Save(theDictionary);
+  FUZZ_REQUIRE(theSaved == theModel.Save());
+  CheckLoadingAgain(theModel, theSaved);
+  qvDictionary_Delete(theDictionary);
   return 0;
 }

@@ -6,11 +6,15 @@
 #include "qvOS/qvPath.h"
 #include "qvraTools/qvMalloc.h"
 
+QV_BEGIN_DECLS
+
 /* The kqvFileError code for a value of errno; 0 for 0. */
 int PosixErrorToQvFileError(int anErrno);
 
 /* Opens like qvFile_Open and tries again when a signal interrupts the call. */
 int qvFile_S_OpenUninterrupted(const char* aFilePath, qvFileOpenMode anOpenMode, qvFileFD* aFD);
+
+QV_END_DECLS
 
 /* A caller's path as the system takes it; Get gives null when there is none. */
 class qvNativePath {
