@@ -134,28 +134,32 @@ std::string LoadAndSave(const std::string& aFile) {
   return ReadWholeFile(aFile);
 }
 
-// Whether a header names a section with the character that joins section and key: its keys move to another
-// section with each save.
-bool HasSlashInHeader(const std::string& aText) {
+// Whether a header may name a section with the character that joins section and key: its keys move to another
+// section with the next save, and what they are called then may be cut with the one after that.
+bool MayHaveSlashInHeader(const std::string& aText) {
   for (size_t thePos = aText.find('['); thePos != std::string::npos; thePos = aText.find('[', thePos + 1)) {
-    const bool theBeginsLine = thePos == 0 || aText[thePos - 1] == '\n';
-    const std::string theName = aText.substr(thePos, aText.find_first_of("]\n", thePos) - thePos);
-    if (theBeginsLine && theName.find(kqvINIFIle_SectionSeparator) != std::string::npos) {
+    const std::string theName = aText.substr(thePos, aText.find_first_of("]\r\n", thePos) - thePos);
+    if (theName.find(kqvINIFIle_SectionSeparator) != std::string::npos) {
       return true;
     }
   }
   return false;
 }
 
-// Whether the saves settle.
+// Whether the third save is the second, or at least the sixth the fifth where a section's name moves.
 bool Settles(const std::string& aText, const std::string& aFile) {
   WriteWholeFile(aFile, aText);
   const std::string theFirst = LoadAndSave(aFile);
-  const std::string theSecond = LoadAndSave(aFile);
-  const std::string theThird = LoadAndSave(aFile);
+  const int theSaves = MayHaveSlashInHeader(aText) || MayHaveSlashInHeader(theFirst) ? 6 : 3;
+  std::string theLast = theFirst;
+  bool theIsSettled = false;
+  for (int i = 2; i <= theSaves && (i <= 3 || !theIsSettled); ++i) {
+    const std::string theNext = LoadAndSave(aFile);
+    theIsSettled = theNext == theLast;
+    theLast = theNext;
+  }
   // A name that begins with a byte order mark loses it when it comes to stand at the start of a file.
-  const bool theBeginsWithMark = theSecond.compare(0, 3, kByteOrderMark) == 0;
-  return theThird == theSecond || theBeginsWithMark || HasSlashInHeader(theFirst);
+  return theIsSettled || theLast.compare(0, 3, kByteOrderMark) == 0;
 }
 
 // Tries a text that may end the process: then in a child, which must die of that alone.
