@@ -12,6 +12,7 @@
 #include "qvOS/qvMutex.h"
 #include "qvOS/qvMutex_p.h"
 #include "qvraTools/qvConfigFileINIBackend_p.h"
+#include "qvraTools/qvNew_p.h"
 
 // The life of the framework:
 //
@@ -67,7 +68,7 @@ static void qvLog_S_MakeLoggers() {
   if (qvMainLogger::Current() != NULL) {
     return;
   }
-  qvMainLogger* theLogger = new qvMainLogger;
+  qvMainLogger* theLogger = new (qvOrFatalError()) qvMainLogger;
   qvLog_S_SetMainLogger(theLogger);
   theLogger->Setup();
   CreateLoggers();
@@ -346,7 +347,7 @@ void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
   qvErrnoKeeper theErrnoKeeper;
   qvLogger::LockFramework();
   if (qvFuncLogger::sInstance == NULL && aLevel != 0 && !qvLogger::NeverLog()) {
-    new qvFuncLogger(true);  // enters the chain, which owns it
+    new (qvOrFatalError()) qvFuncLogger(true);  // enters the chain, which owns it
   }
   if (qvFuncLogger::sInstance != NULL) {
     qvFuncLogger::sInstance->SetFunc(aLevel, aFunc, aCookie);

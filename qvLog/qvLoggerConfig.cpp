@@ -10,6 +10,7 @@
 #include "qv/ConfigConfig.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvraTools/qvConvert.h"
+#include "qvraTools/qvNew_p.h"
 
 #define kqvLogger_PathFileName  "ConfigPath.ini"
 #define kqvLogger_DefaultPath   "./"
@@ -35,7 +36,7 @@ static qvConfig* _GetConfig(uint32 anOptions) {
     theReadPath = kqvLogger_DefaultPath;
     theWritePath = kqvLogger_DefaultPath;
   }
-  return new qvConfig(theReadPath, theWritePath, qvLogger::GetConfigFileName());
+  return new (qvOrFatalError()) qvConfig(theReadPath, theWritePath, qvLogger::GetConfigFileName());
 }
 
 qvCString qvLogger::GetConfigFileName() {

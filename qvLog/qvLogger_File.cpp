@@ -8,6 +8,7 @@
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvMalloc.h"
+#include "qvraTools/qvNew_p.h"
 #include "qvraTools/qvTime.h"
 
 #define kqvFileLogger_DefaultLevel  "Off"
@@ -153,7 +154,7 @@ void qvFileLogger_S_LeaveParentsLine() {
 void qvLogger_File_Init(void) {
   qvLogger::LockFramework();
   if (qvFileLogger::sInstance == NULL && !qvLogger::NeverLog()) {
-    new qvFileLogger(true);  // enters the chain, which owns it
+    new (qvOrFatalError()) qvFileLogger(true);  // enters the chain, which owns it
   }
   qvLogger::UnlockFramework();
 }

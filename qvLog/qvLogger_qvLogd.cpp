@@ -13,6 +13,7 @@
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvMalloc.h"
+#include "qvraTools/qvNew_p.h"
 #include "qvraTools/qvRand.h"
 #include "qvraTools/qvUUID.h"
 
@@ -314,7 +315,7 @@ void qvLogdLogger_S_LeaveParentsConnection() {
 void qvLogger_qvLogd_Init(void) {
   qvLogger::LockFramework();
   if (qvLogdLogger::sInstance == NULL && !qvLogger::NeverLog()) {
-    new qvLogdLogger(true);  // enters the chain, which owns it
+    new (qvOrFatalError()) qvLogdLogger(true);  // enters the chain, which owns it
   }
   qvLogger::UnlockFramework();
 }

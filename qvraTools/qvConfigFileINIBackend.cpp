@@ -255,13 +255,29 @@ void qvConfigFile_INI_S_WatchForks(void) {
   pthread_once(&sOnce, qvConfigFile_INI_S_InstallForkHandlers);
 }
 
+// Takes the lock of the table; gives a new table when none is ready, which the caller uses or frees. It is
+// made without the lock: if there is no memory for it, that is logged, and the logger's settings come from
+// the table.
+static qvConfigFileBackend* qvConfigFile_INI_S_LockWithSpare(std::unique_lock<std::mutex>* aLock) {
+  qvConfigFileBackend* theSpare = NULL;
+  aLock->lock();
+  while (theSpare == NULL && !__atomic_load_n(&sfReady, __ATOMIC_SEQ_CST)) {
+    aLock->unlock();
+    theSpare = qvConfigFile_INI_S_NewTable();
+    aLock->lock();
+  }
+  return theSpare;
+}
+
 qvConfigFileBackend* qvConfigFile_INI_GetBackend(void) {
   qvConfigFile_INI_S_WatchForks();
-  std::lock_guard<std::mutex> theLock(sTableLock);
+  std::unique_lock<std::mutex> theLock(sTableLock, std::defer_lock);
+  qvConfigFileBackend* theSpare = qvConfigFile_INI_S_LockWithSpare(&theLock);
   int theBuilt = 0;
   while (!__atomic_load_n(&sfReady, __ATOMIC_SEQ_CST)) {
     if (__atomic_add_fetch(&sReferenceCount, 1, __ATOMIC_SEQ_CST) == 1) {
-      sqvConfigFileINIBackend = qvConfigFile_INI_S_NewTable();
+      sqvConfigFileINIBackend = theSpare;
+      theSpare = NULL;
       __atomic_store_n(&sfReady, 1, __ATOMIC_SEQ_CST);
       theBuilt = 1;
     }
@@ -269,6 +285,7 @@ qvConfigFileBackend* qvConfigFile_INI_GetBackend(void) {
   if (!theBuilt) {
     __atomic_add_fetch(&sReferenceCount, 1, __ATOMIC_SEQ_CST);
   }
+  qvFree(theSpare);  // another thread was quicker
   return sqvConfigFileINIBackend;
 }
 

@@ -81,6 +81,8 @@ CallPlan RunPlanned(const CallPlan& aPlan, const std::function<void()>& aBody) {
   return sPlan;
 }
 
+void StopPlannedCalls() { sfActive = false; }
+
 // Large files give some functions another name in the object file, through their declarations: here as in the
 // library.
 

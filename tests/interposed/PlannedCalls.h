@@ -47,4 +47,7 @@ struct CallPlan {
 // Carries a plan out on aBody.
 CallPlan RunPlanned(const CallPlan& aPlan, const std::function<void()>& aBody);
 
+// From here on the plan is off, in a process that goes its own way.
+void StopPlannedCalls();
+
 #endif

@@ -3,6 +3,7 @@
 #include "qvraTools/qvConfigFileINIBackend.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +14,8 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
+#include "support/FatalLine.h"
+#include "support/Sanitizers.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -201,4 +204,15 @@ TEST(qvConfigFileINIBackend, ThreadsWithObjectsOfTheirOwnWorkInParallel) {
     theThread.join();
   }
   EXPECT_EQ(0, theWrong);
+}
+
+TEST(qvConfigFileINIBackend, TableForWhichThereIsNoMemoryEndsTheProcess) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer's allocator cannot be made to fail";
+  }
+  // The end is logged, and the logger reads its settings through the table.
+  ChildResult theResult = RunProgram(TestProgramPath("OutOfMemory"), {"once"});
+  EXPECT_EQ(SIGABRT, theResult.mSignal);
+  EXPECT_EQ("qvFatalError: memory:malloc, size=" + std::to_string(19 * sizeof(void*)),
+            FatalLine(theResult.mStderr));
 }

@@ -154,6 +154,7 @@ TEST_F(qvFatalErrorTest, AProcessWithoutAnyMemoryLeftStillSaysWhy) {
       {"malloc", "qvFatalError: memory:malloc, size=11"},
       {"realloc", "qvFatalError: memory:realloc, size=12"},
       {"strdup", "qvFatalError: memory:strdup, size=13"},
+      {"new", "qvFatalError: memory:malloc, size=14"},
   };
   for (const auto& theCase : kCases) {
     ChildResult theResult = RunProgram(TestProgramPath("OutOfMemory"), {theCase.mWork});

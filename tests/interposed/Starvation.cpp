@@ -1,0 +1,205 @@
+#include "interposed/Starvation.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdio_ext.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <new>
+
+#include "interposed/PlannedCalls.h"
+#include "support/Sanitizers.h"
+
+// Only some of the programs have it.
+void StopPlannedCalls() __attribute__((weak));
+
+// Nothing here may allocate, take a lock or call what a test may have put before the C library.
+
+namespace {
+
+constexpr unsigned kLimit = 20;        // seconds until a child that hangs is ended
+constexpr size_t kFirstPoints = 16;    // of a sample, tried one by one
+constexpr size_t kSampleThinning = 8;  // behind them, each gap is a share of the index
+constexpr size_t kTextSize = 200;
+
+StarvationReport* sReport = nullptr;
+bool sfSample = false;
+std::atomic<size_t> sIndex{0};
+std::atomic<size_t> sNextPoint{0};
+std::atomic<bool> sfStarved{false};   // the allocation that was to fail has failed
+std::atomic<bool> sfNoMemory{false};  // and now all do
+std::atomic<size_t> sStarveAt{static_cast<size_t>(-1)};
+bool sfStarveFromNowOn = false;
+
+// Maps the report before the first test.
+__attribute__((constructor)) void MapReport() {
+  const char* thePath = getenv(kStarvationReport);
+  sfSample = getenv(kStarvationSample) != nullptr;
+  int theFile = thePath != nullptr ? open(thePath, O_RDWR | O_CLOEXEC) : -1;
+  if (theFile >= 0) {
+    void* theMemory = mmap(nullptr, sizeof(StarvationReport), PROT_READ | PROT_WRITE, MAP_SHARED, theFile, 0);
+    sReport = theMemory != MAP_FAILED ? static_cast<StarvationReport*>(theMemory) : nullptr;
+    syscall(SYS_close, theFile);
+  }
+}
+
+// A debugger, like a test that kills a child at each of its system calls, must not see more of them.
+bool IsTraced() {
+  static pid_t sAskedFor = 0;
+  static bool sfIsTraced = false;
+  if (sAskedFor != getpid()) {
+    sAskedFor = getpid();
+    char theText[2048] = "";
+    long theFile = syscall(SYS_openat, AT_FDCWD, "/proc/self/status", O_RDONLY | O_CLOEXEC);
+    syscall(SYS_read, theFile, theText, sizeof(theText) - 1);
+    syscall(SYS_close, theFile);
+    const char* theTracer = strstr(theText, "TracerPid:");
+    sfIsTraced = theTracer != nullptr && atoi(theTracer + strlen("TracerPid:")) != 0;
+  }
+  return sfIsTraced;
+}
+
+// The start of what a child has written.
+void ReadStart(int aFile, char* aText) {
+  long theLength = syscall(SYS_pread64, aFile, aText, kTextSize - 1, 0L, 0L);
+  aText[theLength > 0 ? theLength : 0] = '\0';
+}
+
+bool IsMessage(const char* aText) {
+  size_t theLength = strlen(kStarvedMessage);
+  return strncmp(aText, kStarvedMessage, theLength) == 0 && strstr(aText, ", size=") != nullptr;
+}
+
+void Judge(int aStatus, int anOutput, int anError, const char* aKind, size_t aSize) {
+  char theOutput[kTextSize];
+  char theError[kTextSize];
+  ReadStart(anOutput, theOutput);
+  ReadStart(anError, theError);
+  // Another thread may have held a lock of the C library when the child was split off.
+  if (WIFSIGNALED(aStatus) && WTERMSIG(aStatus) == SIGALRM) {
+    return;
+  }
+  ++sReport->mPoints;
+  const bool theAborted = WIFSIGNALED(aStatus) && WTERMSIG(aStatus) == SIGABRT;
+  if ((!theAborted || !IsMessage(theOutput) || !IsMessage(theError)) && sReport->mFailures++ == 0) {
+    theOutput[strcspn(theOutput, "\n")] = '\0';
+    theError[strcspn(theError, "\n")] = '\0';
+    snprintf(sReport->mFirstFailure, sizeof(sReport->mFirstFailure),
+             "%s of %zu bytes, allocation %zu: status %d, standard output '%.100s', standard error '%.100s'",
+             aKind, aSize, sIndex.load(), aStatus, theOutput, theError);
+  }
+}
+
+// True in the child in which the allocation is to fail.
+bool TryPoint(bool afFromNowOn, const char* aKind, size_t aSize) {
+  const int theErrno = errno;
+  int theOutput = static_cast<int>(syscall(SYS_memfd_create, "output", 1));
+  int theError = static_cast<int>(syscall(SYS_memfd_create, "error", 1));
+  // Without the handlers of fork: the library's would wait for locks that this very thread may hold.
+  pid_t theChild = theError >= 0 ? _Fork() : -1;
+  if (theChild == 0) {
+    syscall(SYS_dup3, theOutput, STDOUT_FILENO, 0);
+    syscall(SYS_dup3, theError, STDERR_FILENO, 0);
+    __fpurge(stdout);
+    if (StopPlannedCalls != nullptr) {
+      StopPlannedCalls();
+    }
+    signal(SIGALRM, SIG_DFL);
+    alarm(kLimit);
+    sfStarved = true;
+    sfNoMemory = afFromNowOn;
+    return true;
+  }
+  int theStatus = 0;
+  while (theChild > 0 && waitpid(theChild, &theStatus, 0) == -1) {
+    theChild = errno == EINTR ? theChild : -1;
+  }
+  if (theChild > 0) {
+    Judge(theStatus, theOutput, theError, aKind, aSize);
+    char theTrace[64];
+    snprintf(theTrace, sizeof(theTrace), "/tmp/backtrace_%d.txt", theChild);
+    syscall(SYS_unlinkat, AT_FDCWD, theTrace, 0);
+  }
+  syscall(SYS_close, theOutput);
+  syscall(SYS_close, theError);
+  errno = theErrno;
+  return false;
+}
+
+// Whether an allocation of the library fails.
+bool FailsHere(const char* aKind, size_t aSize) {
+  if (sfStarved) {
+    return sfNoMemory;
+  }
+  const size_t theIndex = sIndex++;
+  if (theIndex == sStarveAt) {
+    sfStarved = true;
+    sfNoMemory = sfStarveFromNowOn;
+    return true;
+  }
+  if (sReport == nullptr || theIndex < sNextPoint || IsTraced()) {
+    return false;
+  }
+  sNextPoint =
+      sfSample && theIndex >= kFirstPoints ? theIndex + 1 + theIndex / kSampleThinning : theIndex + 1;
+  // A sample has one of the two for each point.
+  return ((!sfSample || theIndex % 2 == 0) && TryPoint(false, aKind, aSize)) ||
+         ((!sfSample || theIndex % 2 == 1) && TryPoint(true, aKind, aSize));
+}
+
+}  // namespace
+
+void StarveAt(size_t anIndex, bool afFromNowOn) {
+  sfStarveFromNowOn = afFromNowOn;
+  sIndex = 0;
+  sStarveAt = anIndex;
+}
+
+bool HasStarved() { return sfStarved; }
+
+extern "C" {
+
+void* qvStarved_malloc(size_t aSize) { return FailsHere("malloc", aSize) ? nullptr : malloc(aSize); }
+
+void* qvStarved_realloc(void* aPtr, size_t aSize) {
+  return FailsHere("realloc", aSize) ? nullptr : realloc(aPtr, aSize);
+}
+
+char* qvStarved_strdup(const char* aStr) {
+  return FailsHere("strdup", strlen(aStr) + 1) ? nullptr : strdup(aStr);
+}
+
+void* qvStarved_new(size_t aSize) { return FailsHere("new", aSize) ? nullptr : operator new(aSize); }
+
+void* qvStarved_newNothrow(size_t aSize, const std::nothrow_t& aTag) {
+  return FailsHere("new", aSize) ? nullptr : operator new(aSize, aTag);
+}
+
+// When all memory is gone, it is gone for the C library too. The sanitizers' allocators cannot be replaced.
+#if !QVLOG_SANITIZED
+void* __libc_malloc(size_t);
+void* __libc_calloc(size_t, size_t);
+void* __libc_realloc(void*, size_t);
+
+static bool IsOutOfMemory() {
+  const bool theResult = sfNoMemory.load(std::memory_order_relaxed);
+  errno = theResult ? ENOMEM : errno;
+  return theResult;
+}
+
+void* malloc(size_t aSize) noexcept { return IsOutOfMemory() ? nullptr : __libc_malloc(aSize); }
+void* calloc(size_t aCount, size_t aSize) noexcept {
+  return IsOutOfMemory() ? nullptr : __libc_calloc(aCount, aSize);
+}
+void* realloc(void* aPtr, size_t aSize) noexcept {
+  return IsOutOfMemory() ? nullptr : __libc_realloc(aPtr, aSize);
+}
+#endif
+}
