@@ -11,6 +11,7 @@
 #include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvMutex.h"
 #include "qvOS/qvMutex_p.h"
+#include "qvOS/qvTime_p.h"
 #include "qvraTools/qvConfigFileINIBackend_p.h"
 #include "qvraTools/qvNew_p.h"
 
@@ -159,6 +160,7 @@ static void qvLog_S_AfterForkInChild() {
 
 static void qvLog_S_InstallForkHandlers() {
   qvConfigFile_INI_S_WatchForks();
+  qvTime_S_WatchForks();
   pthread_atfork(qvLog_S_BeforeFork, qvLog_S_AfterForkInParent, qvLog_S_AfterForkInChild);
 }
 

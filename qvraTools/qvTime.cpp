@@ -3,6 +3,7 @@
 #include <limits.h>
 #include <time.h>
 
+#include "qvOS/qvTime_p.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvTime_p.h"
 
@@ -51,26 +52,31 @@ void qvTime_GetLocalTimeMS(qvULongLong* aResult) {
 qvtm* qvTime_localtime(const int* aTime, qvtm* aResult) {
   qvAssert(aTime != NULL);
   const time_t theSystemTime = *aTime;
+  qvTime_S_EnterZone();
   const struct tm* theTime = localtime(&theSystemTime);
-  if (theTime == nullptr) {
-    return nullptr;
+  if (theTime != nullptr) {
+    qvTime_S_FromSystem(aResult, theTime);
+    aResult->tm_msec = 0;
   }
-  qvTime_S_FromSystem(aResult, theTime);
-  aResult->tm_msec = 0;
-  return aResult;
+  qvTime_S_LeaveZone();
+  return theTime != nullptr ? aResult : nullptr;
 }
 
 qvtm* qvTime_gmtime(const int* aTime, qvtm* aResult) {
   qvAssert(aTime != NULL);
   const time_t theSystemTime = *aTime;
   // It fails only for years that no int holds, and those are out of reach of 32 bits of seconds.
+  qvTime_S_EnterZone();
   qvTime_S_FromSystem(aResult, gmtime(&theSystemTime));
+  qvTime_S_LeaveZone();
   return aResult;
 }
 
 int qvTime_mktime(qvtm* aTime) {
   struct tm theTime = qvTime_S_ToSystem(aTime);
+  qvTime_S_EnterZone();
   const time_t theResult = mktime(&theTime);
+  qvTime_S_LeaveZone();
   // Where time_t has 64 bits, a time that no int holds is refused as the 32-bit system refuses it.
   if (theResult < 0 || theResult > INT_MAX) {
     return -1;

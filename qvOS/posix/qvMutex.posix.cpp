@@ -77,6 +77,9 @@ int qvMutex_Unlock(qvOSMutex* aMutex) {
 }
 
 void qvMutex_S_UnlockInChild(qvOSMutex* aMutex) {
+  for (uint32 i = 0; i < aMutex->mLockCount; ++i) {
+    pthread_mutex_unlock(&aMutex->mMutex);  // refused by most systems, but a lock checker must hear of it
+  }
   // Made anew, also to forget the threads that were waiting in the parent.
   qvMutex_S_InitRecursive(&aMutex->mMutex);
   aMutex->mLockCount -= 1;

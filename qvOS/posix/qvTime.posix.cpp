@@ -1,5 +1,6 @@
 #include "qvOS/qvTime.h"
 
+#include <pthread.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/time.h>
@@ -23,6 +24,26 @@
 #define kqvTime_MacroDateFormat     "%63s %9d %9d"
 #define kqvTime_MacroDateFieldCount 3
 
+static pthread_mutex_t sZoneLock = PTHREAD_MUTEX_INITIALIZER;
+
+static void qvTime_S_Lock() { pthread_mutex_lock(&sZoneLock); }
+static void qvTime_S_Unlock() { pthread_mutex_unlock(&sZoneLock); }
+static void qvTime_S_InstallForkHandlers() {
+  pthread_atfork(qvTime_S_Lock, qvTime_S_Unlock, qvTime_S_Unlock);
+}
+
+void qvTime_S_WatchForks(void) {
+  static pthread_once_t sOnce = PTHREAD_ONCE_INIT;
+  pthread_once(&sOnce, qvTime_S_InstallForkHandlers);
+}
+
+void qvTime_S_EnterZone(void) {
+  qvTime_S_WatchForks();
+  qvTime_S_Lock();
+}
+
+void qvTime_S_LeaveZone(void) { qvTime_S_Unlock(); }
+
 void qvTime_GetTimeOfDay(qvtimeval* aTimeVal) {
   struct timeval theNow = {};
   gettimeofday(&theNow, NULL);
@@ -32,6 +53,7 @@ void qvTime_GetTimeOfDay(qvtimeval* aTimeVal) {
 
 int qvTime_GetTimeZone(qvtimezone* aTimeZone) {
   time_t theNow = time(NULL);
+  qvTime_S_EnterZone();
   // Unlike localtime, localtime_r need not look at a time zone that has changed since.
   tzset();
   struct tm theLocal = {};
@@ -43,6 +65,7 @@ int qvTime_GetTimeZone(qvtimezone* aTimeZone) {
   struct tm theUTC = {};
   gmtime_r(&theNow, &theUTC);
   time_t theUTCReadAsLocal = mktime(&theUTC);
+  qvTime_S_LeaveZone();
   aTimeZone->tz_minuteswest = static_cast<int32>((theNow - theUTCReadAsLocal) / kqvTime_SecondsPerMinute);
   return 0;
 }
@@ -64,7 +87,10 @@ qvtime_t qvTime_ConvertMacroDate(const char* aTime) {
   theDate.tm_mday = theDay;
   theDate.tm_year = theYear - kqvTime_FirstTmYear;
   theDate.tm_isdst = kqvTime_DaylightSavingUnknown;
-  return mktime(&theDate);
+  qvTime_S_EnterZone();
+  qvtime_t theResult = mktime(&theDate);
+  qvTime_S_LeaveZone();
+  return theResult;
 }
 
 uint32 qvTime_S_ToTickCount(const struct timespec* aTime) {

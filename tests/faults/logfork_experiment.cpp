@@ -1,7 +1,8 @@
-// Processes that fork while eight threads log. Children log, log as grandchildren, exit with and without the
-// library's end, execute a program, or come out of a callback. A child must come to its end within a second;
-// every line of the parent must be in the file and with the daemon whole, once and in order, and every line
-// of a child once in the file and once on a connection of its own with a UUID of its own.
+// Processes that fork while eight threads log and one uses the toolkit. Children log, log as grandchildren,
+// exit with and without the library's end, execute a program, or come out of a callback. A child must come to
+// its end within a second; every line of the parent must be in the file and with the daemon whole, once and
+// in order, and every line of a child once in the file and once on a connection of its own with a UUID of its
+// own.
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -18,6 +19,8 @@
 #include "faults/NumberedLog.h"
 #include "faults/OwnProgram.h"
 #include "qvLog/qvLog.h"
+#include "qvraTools/qvConfigFileINIBackend.h"
+#include "qvraTools/qvTime.h"
 
 namespace {
 
@@ -64,6 +67,25 @@ void Write(int aWriter) {
   sCounts[aWriter] = theNumber;
 }
 
+// What else has a lock that a child needs: settings files and the time zone.
+void UseToolkit() {
+  qvConfigFileBackend* theTable = qvConfigFile_INI_GetBackend();
+  qvConfigFile_INI_ReleaseBackend(theTable);
+  int theNow = qvTime_time(nullptr);
+  qvtm theTime;
+  qvTime_localtime(&theNow, &theTime);
+  qvTime_mktime(&theTime);
+}
+
+void UseToolkitOften() {
+  for (unsigned int i = 0; sfForking; ++i) {
+    UseToolkit();
+    if (i % 64 == 63) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
+}
+
 // The callback forks for the thread that asks for it.
 thread_local bool sfWantsFork = false;
 thread_local pid_t sForked = -1;
@@ -94,6 +116,7 @@ pid_t Fork(Kind aKind, int aWriter) {
     _exit(127);
   }
   bool theIsLogged = LogNamed(NameOf(aChild));
+  UseToolkit();
   if (theKind == kHasAChild) {
     pid_t theGrandchild = fork();
     if (theGrandchild == 0) {
@@ -133,6 +156,7 @@ int LogInside() {
   for (int i = 0; i < kWriters; ++i) {
     theWriters.emplace_back(Write, i);
   }
+  theWriters.emplace_back(UseToolkitOften);
   std::vector<std::thread> theForkers;
   for (int i = 0; i < kForkers; ++i) {
     theForkers.emplace_back(ForkMany, i);

@@ -141,8 +141,8 @@ void RunAssertion(Experiment* anExperiment, Place aPlace) {
   bool theIsSaid = theProgram.Read("err.txt").find(std::string("qvFatalError: assertat, reason '") + theText +
                                                    "' in file '") != std::string::npos;
   const std::string theLog = theProgram.Read("out.txt");
-  bool theIsWhole = theLog.find(" nested\n") == std::string::npos && !theLog.empty() && theLog.back() == '\n' &&
-                    theLog.find(NamedLine("before") + "\n") != std::string::npos;
+  bool theIsWhole = theLog.find(" nested\n") == std::string::npos && !theLog.empty() &&
+                    theLog.back() == '\n' && theLog.find(NamedLine("before") + "\n") != std::string::npos;
   // Only a failure outside has a message of its own; the others are nested in one that never ends.
   bool theIsLogged =
       theLog.find(std::string("ASSERTION FAILED: '") + theText + "' in file '") != std::string::npos;
