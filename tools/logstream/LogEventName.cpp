@@ -1,13 +1,32 @@
 #include "tools/logstream/LogEventName.h"
 
+static const struct {
+  const char* mName;
+  LogRecordKind mKind;
+} kEvents[] = {{"connect", LogRecordKind_Connect},
+               {"lost", LogRecordKind_Lost},
+               {"disconnect", LogRecordKind_Disconnect},
+               {"suppressed", LogRecordKind_Suppressed}};
+
+const char* LogEventName_Of(LogRecordKind aKind) {
+  for (const auto& theEvent : kEvents) {
+    if (theEvent.mKind == aKind) {
+      return theEvent.mName;
+    }
+  }
+  return nullptr;
+}
+
+void LogEventName_AppendText(const LogRecord& anEvent, std::string& aOut) {
+  aOut.append(LogEventName_Of(anEvent.mKind));
+  if (anEvent.mKind == LogRecordKind_Connect && anEvent.mCount != 0) {
+    aOut.append(", ").append(std::to_string(anEvent.mCount)).append(" lost before");
+  } else if (anEvent.mKind == LogRecordKind_Lost || anEvent.mKind == LogRecordKind_Suppressed) {
+    aOut.append(" ").append(std::to_string(anEvent.mCount));
+  }
+}
+
 bool LogEventName_ToKind(std::string_view aName, LogRecordKind* aKind) {
-  static const struct {
-    std::string_view mName;
-    LogRecordKind mKind;
-  } kEvents[] = {{"connect", LogRecordKind_Connect},
-                 {"lost", LogRecordKind_Lost},
-                 {"disconnect", LogRecordKind_Disconnect},
-                 {"suppressed", LogRecordKind_Suppressed}};
   for (const auto& theEvent : kEvents) {
     if (aName == theEvent.mName) {
       *aKind = theEvent.mKind;

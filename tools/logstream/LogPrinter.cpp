@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "tools/logstream/LogEscape.h"
+#include "tools/logstream/LogEventName.h"
 
 static constexpr size_t kShortUUIDLength = 8;
 static const char kColorEnd[] = "\033[0m";
@@ -18,8 +19,6 @@ static const LogFormName kForms[] = {
     {"short", LogForm_Short}, {"short-iso", LogForm_ShortISO}, {"cat", LogForm_Cat},
     {"raw", LogForm_Raw},     {"json", LogForm_JSON},
 };
-
-static const char* const kEventNames[] = {"", "connect", "lost", "disconnect", "suppressed"};
 
 bool LogForm_FromName(const char* aName, LogForm* aForm) {
   for (const LogFormName& theForm : kForms) {
@@ -85,15 +84,6 @@ static void LogPrinter_S_AppendSender(const LogRecord& aRecord, std::string& aOu
   }
 }
 
-static void LogPrinter_S_AppendEvent(const LogRecord& aRecord, std::string& aOut) {
-  aOut.append("- ").append(kEventNames[aRecord.mKind]);
-  if (aRecord.mKind == LogRecordKind_Connect && aRecord.mCount != 0) {
-    aOut.append(", ").append(std::to_string(aRecord.mCount)).append(" lost before");
-  } else if (aRecord.mKind == LogRecordKind_Lost || aRecord.mKind == LogRecordKind_Suppressed) {
-    aOut.append(" ").append(std::to_string(aRecord.mCount));
-  }
-}
-
 static void LogPrinter_S_AppendLine(const LogRecord& aRecord, std::string& aOut) {
   aOut += aRecord.mLevel != 0 ? aRecord.mLevel : '-';
   aOut += ' ';
@@ -118,7 +108,8 @@ void LogPrinter::PrintShort(const LogRecord& aRecord, std::string& aOut) {
   }
   aOut += ' ';
   if (aRecord.mKind != LogRecordKind_Line) {
-    LogPrinter_S_AppendEvent(aRecord, aOut);
+    aOut += "- ";
+    LogEventName_AppendText(aRecord, aOut);
     return;
   }
   const char* theColor = mfColor ? LogPrinter_S_LevelColor(aRecord.mLevel) : nullptr;
@@ -193,7 +184,7 @@ void LogPrinter::PrintJSON(const LogRecord& aRecord, std::string& aOut) {
   if (aRecord.mKind == LogRecordKind_Line) {
     LogPrinter_S_AppendJSONLine(aRecord, aOut);
   } else {
-    LogPrinter_S_AppendMember("event", kEventNames[aRecord.mKind], aOut);
+    LogPrinter_S_AppendMember("event", LogEventName_Of(aRecord.mKind), aOut);
     LogPrinter_S_AppendGiven("process", aRecord.mProcess, aOut);
     LogPrinter_S_AppendGiven("uuid", aRecord.mUUID, aOut);
     aOut.append(",\"count\":").append(std::to_string(aRecord.mCount));

@@ -3,11 +3,11 @@
 #include <errno.h>
 #include <stdio.h>
 #include <string.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 
+#include "tools/logstream/Clock.h"
 #include "tools/qvlogcat/StopSignals.h"
 
 static const uint64 kFirstTail = 262144;  // bytes of the end that are read in search of the last lines
@@ -15,16 +15,10 @@ static const uint64 kTailGrowth = 4;      // how much more is read when they wer
 static const int kFollowMilliseconds = 100;
 static const unsigned int kLooksForFiles = 5;  // every so many rests
 
-static int64 Viewer_S_Now() {
-  struct timespec theNow;
-  clock_gettime(CLOCK_REALTIME, &theNow);
-  return static_cast<int64>(theNow.tv_sec) * 1000000 + theNow.tv_nsec / 1000;
-}
-
 Viewer::Viewer(const ViewerOptions& aOptions, int anOutput)
     : mOptions(aOptions),
       mOutput(anOutput),
-      mReader(Viewer_S_Now()),
+      mReader(Clock_Microseconds()),
       mPrinter(aOptions.mForm, aOptions.mfColor, aOptions.mfTerminal),
       mLast(aOptions.mLast),
       mInputLast(aOptions.mLast) {}
@@ -32,7 +26,7 @@ Viewer::Viewer(const ViewerOptions& aOptions, int anOutput)
 bool Viewer::WantsMore() const { return !mOutput.HasEnded() && !StopSignals_HasCome(); }
 
 void Viewer::BeginFile(int64 aLatest, bool afMiddle) {
-  mReader.SetNow(std::min(aLatest, Viewer_S_Now()));
+  mReader.SetNow(std::min(aLatest, Clock_Microseconds()));
   mReader.ForgetMessage();
   mfOrphaned = afMiddle && mfCollecting;
 }
@@ -69,7 +63,7 @@ void Viewer::ShowStandardInput() {
   do {
     theCount = read(STDIN_FILENO, theChunk.data(), theChunk.size());
     if (theCount > 0) {
-      mReader.SetNow(Viewer_S_Now());
+      mReader.SetNow(Clock_Microseconds());
       theCutter.Feed(std::string_view(theChunk.data(), static_cast<size_t>(theCount)), *this);
       mOutput.Flush();
     }
@@ -128,7 +122,7 @@ void Viewer::PrintLast() {
 void Viewer::Follow() {
   for (unsigned int theRest = 1; !mFollowers.empty() && WantsMore(); ++theRest) {
     mOutput.Rest(kFollowMilliseconds);
-    mReader.SetNow(Viewer_S_Now());
+    mReader.SetNow(Clock_Microseconds());
     for (size_t i = 0; i < mFollowers.size() && WantsMore();) {
       LogFollower& theFollower = *mFollowers[i];
       if (theFollower.ReadAdded(theRest % kLooksForFiles == 0, *this) == LogFollowerResult_Error) {

@@ -5,9 +5,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <time.h>
 #include <unistd.h>
 
+#include "tools/logstream/Clock.h"
 #include "tools/qvlogcat/DefaultFile.h"
 
 enum LongOption { LongOption_Color = 256, LongOption_Settings, LongOption_Version };
@@ -220,9 +220,7 @@ static ViewerOptionsResult ViewerOptions_S_CompleteFilter(const ViewerArguments&
 ViewerOptionsResult ViewerOptions_Read(int anArgumentCount, char** anArguments, ViewerOptions* aOptions) {
   ViewerArguments theTaken;
   theTaken.mOptions = aOptions;
-  struct timespec theNow;
-  clock_gettime(CLOCK_REALTIME, &theNow);
-  theTaken.mNow = static_cast<int64>(theNow.tv_sec) * 1000000 + theNow.tv_nsec / 1000;
+  theTaken.mNow = Clock_Microseconds();
   ViewerOptionsResult theResult = ViewerOptions_S_ReadCommandLine(anArgumentCount, anArguments, &theTaken);
   if (theResult == ViewerOptionsResult_Run) {
     theResult = ViewerOptions_S_CompleteFilter(theTaken);

@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <string>
 
-#include "tools/qvlogd/Clock.h"
+#include "tools/logstream/Clock.h"
 
 static const int kEventsPerTurn = 256;
 static const int kAcceptsPerTurn = 64;

@@ -4,7 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "tools/qvlogd/Clock.h"
+#include "tools/logstream/Clock.h"
 
 Connection::Connection(int aDescriptor, const LogStreamLimits& aLimits, Ledger& aLedger,
                        LogDistributor& aDistributor)

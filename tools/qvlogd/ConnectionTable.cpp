@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/qvlogd/Clock.h"
+#include "tools/logstream/Clock.h"
 
 static const int64 kSettleTime = 2000;      // microseconds of quiet that end a message
 static const size_t kWholeRead = 1024;      // bytes; what came with a smaller read was sent as a whole

@@ -11,8 +11,8 @@
 #include <thread>
 
 #include "qvLog/qvLogger.h"
+#include "tools/logstream/Clock.h"
 #include "tools/qvlogd/BoundedQueue.h"
-#include "tools/qvlogd/Clock.h"
 #include "tools/qvlogd/ForwardConnection.h"
 
 #define kLogForwarder_Slice       100   // milliseconds between two looks at the flags

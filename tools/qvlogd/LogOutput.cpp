@@ -10,8 +10,8 @@
 #include <thread>
 
 #include "qvLog/qvLogger.h"
+#include "tools/logstream/Clock.h"
 #include "tools/qvlogd/BoundedQueue.h"
-#include "tools/qvlogd/Clock.h"
 #include "tools/qvlogd/StandardOutput.h"
 
 #define kLogOutput_Patience    20    // milliseconds in a turn

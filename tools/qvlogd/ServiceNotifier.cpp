@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "qvraTools/qvConvert.h"
-#include "tools/qvlogd/Clock.h"
+#include "tools/logstream/Clock.h"
 
 // What the watchdog asks for, in microseconds; 0: nothing, or not of this process.
 static int64 ServiceNotifier_S_ReadWatchdog() {

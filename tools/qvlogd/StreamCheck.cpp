@@ -7,7 +7,7 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "tools/qvlogd/Clock.h"
+#include "tools/logstream/Clock.h"
 
 class CountingSink : public LogRecordSink {
  public:

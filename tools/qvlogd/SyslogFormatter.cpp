@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tools/logstream/LogEscape.h"
+#include "tools/logstream/LogEventName.h"
 #include "tools/qvlogd/SyslogText.h"
 
 #define kSyslogFormatter_MaxMessage 8000  // bytes
@@ -28,40 +29,12 @@ static int SyslogFormatter_S_Severity(const LogRecord& aRecord) {
   }
 }
 
-// Null for a line.
-static const char* SyslogFormatter_S_EventName(LogRecordKind aKind) {
-  switch (aKind) {
-    case LogRecordKind_Connect:
-      return "connect";
-    case LogRecordKind_Lost:
-      return "lost";
-    case LogRecordKind_Disconnect:
-      return "disconnect";
-    case LogRecordKind_Suppressed:
-      return "suppressed";
-    default:
-      return NULL;
-  }
-}
-
-static std::string SyslogFormatter_S_EventText(const LogRecord& aRecord) {
-  std::string theCount = std::to_string(aRecord.mCount);
-  switch (aRecord.mKind) {
-    case LogRecordKind_Connect:
-      return aRecord.mCount == 0 ? "connect" : "connect, " + theCount + " lost before";
-    case LogRecordKind_Disconnect:
-      return "disconnect";
-    default:
-      return SyslogFormatter_S_EventName(aRecord.mKind) + (" " + theCount);
-  }
-}
-
 SyslogFormatter::SyslogFormatter(LogFraming aFraming, const std::string& aHostName) : mFraming(aFraming) {
   SyslogText_AppendName(aHostName, kSyslogFormatter_MaxHost, mHostName);
 }
 
 void SyslogFormatter::FormatHeader(const LogRecord& aRecord) {
-  const char* theEvent = SyslogFormatter_S_EventName(aRecord.mKind);
+  const char* theEvent = LogEventName_Of(aRecord.mKind);
   mHeader = "<" + std::to_string(kSyslogFormatter_Facility + SyslogFormatter_S_Severity(aRecord)) + ">1 ";
   if (!mTimeText.AppendISO(aRecord.mTime, mHeader)) {
     mHeader += '-';
@@ -114,7 +87,7 @@ void SyslogFormatter::Format(const LogRecord& aRecord, std::string& aOut) {
   if (aRecord.mKind == LogRecordKind_Line) {
     LogEscape_AppendText(aRecord.mText, mText);
   } else {
-    mText = SyslogFormatter_S_EventText(aRecord);
+    LogEventName_AppendText(aRecord, mText);
   }
   size_t theRoom = kSyslogFormatter_MaxMessage - mHeader.size() - mData.size() - kSyslogFormatter_PartRoom;
   std::string_view theRest = mText;

@@ -1,6 +1,6 @@
 // Clock.h - the time, as records carry it and as deadlines count it.
-#ifndef QVLOGD_CLOCK_H
-#define QVLOGD_CLOCK_H
+#ifndef LOGSTREAM_CLOCK_H
+#define LOGSTREAM_CLOCK_H
 
 #include <time.h>
 
