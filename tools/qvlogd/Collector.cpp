@@ -26,28 +26,33 @@ Collector::Collector(const Options& aOptions, Ledger& aLedger, Delivery& aDelive
       mDelivery(aDelivery),
       mDistributor(aOptions, aLedger, aDelivery),
       mSignals(aSignals),
+      mStandardOutput(WatchedKind_Output, STDOUT_FILENO),
       mListeners(std::move(aListeners)),
       mReport(std::move(aReport)),
       mConnections(aOptions),
       mBuffer(std::min(kBufferSize, aOptions.mMaxTurn)),
       mEpoll(epoll_create1(EPOLL_CLOEXEC)),
       mNextTick(aOptions.mRate > 0 ? 0 : INT64_MAX) {
-  Watch(mSignals);
+  Watch(mSignals, EPOLLIN);
+  if (aOptions.mOutput.mPattern.empty()) {
+    // Errors and hang-ups alone: the reader may go while there is nothing to write. Files are refused.
+    Watch(mStandardOutput, 0);
+  }
   ResumeAccepting();
 }
 
 Collector::~Collector() { close(mEpoll); }
 
-void Collector::Watch(Watched& aWatched) {
+void Collector::Watch(Watched& aWatched, uint32 anEvents) {
   struct epoll_event theEvent = {};
-  theEvent.events = EPOLLIN;
+  theEvent.events = anEvents;
   theEvent.data.ptr = &aWatched;
   epoll_ctl(mEpoll, EPOLL_CTL_ADD, aWatched.Descriptor(), &theEvent);
 }
 
 void Collector::Run(ServiceNotifier& aNotifier) {
   aNotifier.Ready();
-  while (mStopSignals == 0 && !mDelivery.HasEnded()) {
+  while (mStopSignals == 0 && !mfReaderGone && !mDelivery.HasEnded()) {
     Turn(aNotifier);
   }
   aNotifier.Stopping();
@@ -70,6 +75,9 @@ void Collector::Turn(ServiceNotifier& aNotifier) {
         break;
       case WatchedKind_Connection:
         Read(*static_cast<Connection*>(theWatched));
+        break;
+      case WatchedKind_Output:
+        mfReaderGone = true;
         break;
     }
   }
@@ -143,7 +151,8 @@ void Collector::AddConnection(int aDescriptor) {
   // A sender on another machine may vanish without a word.
   int theOne = 1;
   setsockopt(aDescriptor, SOL_SOCKET, SO_KEEPALIVE, &theOne, sizeof(theOne));
-  Watch(mConnections.Add(std::make_unique<Connection>(aDescriptor, mOptions.mLimits, mLedger, mDistributor)));
+  Watch(mConnections.Add(std::make_unique<Connection>(aDescriptor, mOptions.mLimits, mLedger, mDistributor)),
+        EPOLLIN);
 }
 
 void Collector::PauseAccepting(int64 aTime) {
@@ -158,7 +167,7 @@ void Collector::PauseAccepting(int64 aTime) {
 void Collector::ResumeAccepting() {
   mResume = 0;
   for (const auto& theListener : mListeners) {
-    Watch(*theListener);
+    Watch(*theListener, EPOLLIN);
   }
 }
 

@@ -25,11 +25,12 @@ class Collector {
   Collector(const Collector&) = delete;
   Collector& operator=(const Collector&) = delete;
 
-  // Collects until a signal says stop; then reads, for a bounded time, what is in the sockets.
+  // Collects until a signal says stop or the reader of standard output has gone; then reads, for a bounded
+  // time, what is in the sockets.
   void Run(ServiceNotifier& aNotifier);
 
  private:
-  void Watch(Watched& aWatched);
+  void Watch(Watched& aWatched, uint32 anEvents);
   void Turn(ServiceNotifier& aNotifier);
   int NextTimeout(const ServiceNotifier& aNotifier) const;
   void Obey();
@@ -48,14 +49,16 @@ class Collector {
   Delivery& mDelivery;
   LogDistributor mDistributor;
   Signals& mSignals;
+  Watched mStandardOutput;
   Listeners mListeners;
   std::function<void()> mReport;
   ConnectionTable mConnections;
   std::vector<char> mBuffer;
   int mEpoll;
-  int mStopSignals = 0;  // that have come
-  int64 mResume = 0;     // by the steady clock, when to accept again; 0: accepting; INT64_MAX: when one ends
-  int64 mNextTick;       // by the steady clock
+  int mStopSignals = 0;       // that have come
+  bool mfReaderGone = false;  // nobody is left who reads standard output
+  int64 mResume = 0;  // by the steady clock, when to accept again; 0: accepting; INT64_MAX: when one ends
+  int64 mNextTick;    // by the steady clock
   bool mfSaidShort = false;  // the shortage of descriptors has been told
 };
 

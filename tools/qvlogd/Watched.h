@@ -2,7 +2,7 @@
 #ifndef QVLOGD_WATCHED_H
 #define QVLOGD_WATCHED_H
 
-enum WatchedKind { WatchedKind_Listener, WatchedKind_Signals, WatchedKind_Connection };
+enum WatchedKind { WatchedKind_Listener, WatchedKind_Signals, WatchedKind_Connection, WatchedKind_Output };
 
 // A descriptor in the loop; the loop finds the object again by its address.
 class Watched {

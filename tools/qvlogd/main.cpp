@@ -1,5 +1,6 @@
 // qvlogd - collects the log lines of the processes of a machine; see docs/man/qvlogd.8.
 
+#include <errno.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -16,6 +17,11 @@ static const size_t kLedgerEntries = 4096;  // senders without a connection are 
 static int Main_S_Fail(const std::string& aError) {
   fprintf(stderr, "qvlogd: %s\n", aError.c_str());
   return kExitBadOption;
+}
+
+// What was printed has to arrive: a script must not take an empty file for the answer.
+static int Main_S_EndPrinting(int anExitCode) {
+  return fflush(stdout) == 0 ? anExitCode : Main_S_Fail(std::string("standard output: ") + strerror(errno));
 }
 
 static bool Main_S_Listen(const Options& aOptions, Listeners* aListeners, std::string* aError) {
@@ -84,14 +90,14 @@ int main(int argc, char** argv) {
   Options theOptions;
   switch (Options_Read(argc, argv, &theOptions)) {
     case OptionsResult_Done:
-      return 0;
+      return Main_S_EndPrinting(0);
     case OptionsResult_Bad:
       return kExitBadOption;
     case OptionsResult_Run:
       break;
   }
   if (!theOptions.mCheck.empty()) {
-    return StreamCheck_Run(theOptions.mCheck, theOptions.mLimits);
+    return Main_S_EndPrinting(StreamCheck_Run(theOptions.mCheck, theOptions.mLimits));
   }
   return Main_S_Collect(theOptions);
 }

@@ -266,10 +266,12 @@ TEST_F(qvlogcat, HelpAndVersionGoToStandardOutput) {
 
 TEST_F(qvlogcat, OutputThatCannotBeWrittenIsAFailure) {
   Write("box.log", kFirst);
-  ChildResult theResult = RunInChild([&] {
-    dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
-    BecomeProgram(QVLOGCAT, {File("box.log")}, {});
-  });
-  EXPECT_EQ(1, theResult.mExitCode);
-  EXPECT_EQ("qvlogcat: standard output: No space left on device\n", theResult.mStderr);
+  for (const std::string& theArgument : {File("box.log"), std::string("--help"), std::string("--version")}) {
+    ChildResult theResult = RunInChild([&] {
+      dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+      BecomeProgram(QVLOGCAT, {theArgument}, {});
+    });
+    EXPECT_EQ(1, theResult.mExitCode) << theArgument;
+    EXPECT_EQ("qvlogcat: standard output: No space left on device\n", theResult.mStderr) << theArgument;
+  }
 }

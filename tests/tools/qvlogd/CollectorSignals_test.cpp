@@ -126,6 +126,12 @@ TEST(CollectorSignals, OneThatTheStarterIgnoredCountsAllTheSame) {
   EXPECT_EQ(0, theCollector.Program().Wait().mExitCode);
 }
 
+TEST(CollectorSignals, AReaderOfItsOutputThatGoesAwayEndsItWithoutALineToWrite) {
+  RunningCollector theCollector;
+  theCollector.Program().CloseOutput();
+  EXPECT_EQ(0, theCollector.Program().Wait().mExitCode);
+}
+
 TEST(CollectorSignals, AReaderOfItsOutputThatGoesAwayEndsIt) {
   RunningCollector theCollector({"--output=cat"});
   theCollector.Program().CloseOutput();

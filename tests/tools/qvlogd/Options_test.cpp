@@ -1,5 +1,8 @@
 #include "tools/qvlogd/Options.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "support/ChildProcess.h"
@@ -120,6 +123,17 @@ TEST(qvlogdOptions, NoLineOfTheHelpIsWiderThanATerminal) {
     size_t theEnd = theHelp.find('\n', theStart);
     EXPECT_GE(110u, theEnd - theStart) << theHelp.substr(theStart, theEnd - theStart);
     theStart = theEnd + 1;
+  }
+}
+
+TEST(qvlogdOptions, AnAnswerThatCannotBeWrittenIsAFailure) {
+  for (const char* theOption : {"--help", "--version", "--check=/dev/null"}) {
+    ChildResult theResult = RunInChild([&] {
+      dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+      BecomeProgram(QVLOGD, {theOption}, {});
+    });
+    EXPECT_EQ(2, theResult.mExitCode) << theOption;
+    EXPECT_EQ("qvlogd: standard output: No space left on device\n", theResult.mStderr) << theOption;
   }
 }
 
