@@ -17,3 +17,8 @@ if(QVLOG_SANITIZE)
     -fsanitize=${QVLOG_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(qvLog_settings INTERFACE -fsanitize=${QVLOG_SANITIZE})
 endif()
+
+if(QVLOG_COVERAGE)
+  target_compile_options(qvLog_settings INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(qvLog_settings INTERFACE --coverage)
+endif()
