@@ -1,58 +1,45 @@
 #include "tools/qvlogd/LogForwarder.h"
 
-#include <signal.h>
 #include <stdio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
 
 #include "qvLog/qvLogger.h"
 #include "tools/logstream/Clock.h"
-#include "tools/qvlogd/BoundedQueue.h"
 #include "tools/qvlogd/ForwardConnection.h"
+#include "tools/qvlogd/QueueWorker.h"
 
 #define kLogForwarder_Slice       100   // milliseconds between two looks at the flags
 #define kLogForwarder_ClosePause  2000  // milliseconds
 #define kLogForwarder_GiveUpPause 300   // milliseconds for a sender that was told to give up
 
 // What the loop and the sender share.
-struct LogForwarder::State {
+struct LogForwarder::State : QueueWorker {
   explicit State(const LogForwarderOptions& anOptions)
-      : mOptions(anOptions), mQueue(anOptions.mQueueBytes), mConnection(anOptions.mHost, anOptions.mPort) {}
+      : QueueWorker(anOptions.mQueueBytes),
+        mOptions(anOptions),
+        mConnection(anOptions.mHost, anOptions.mPort) {}
 
   const LogForwarderOptions mOptions;
-  BoundedQueue mQueue;
-  std::thread mSender;  // the loop's alone
 
   ForwardConnection mConnection;  // this and the next two: the sender's alone
   int mPause = 0;                 // milliseconds to wait before the next attempt to connect
   bool mfTold = false;            // that the target cannot be reached
 
-  mutable std::mutex mMutex;  // guards all below
-  std::condition_variable mChanged;
-  uint64 mSent = 0;
+  uint64 mSent = 0;  // these three are guarded
   uint64 mDropped = 0;
   bool mfClosing = false;
-  bool mfGiveUp = false;
-  bool mfDone = false;
 
-  template <class Body>
-  auto Locked(const Body& aBody) const {
-    std::lock_guard<std::mutex> theLock(mMutex);
-    return aBody();
-  }
   uint64 CountOf(const char* aBytes, size_t aLength) const {
     return SyslogFormatter_Count(mOptions.mFraming, aBytes, aLength);
   }
-  void Run();
+  void Run() override;
+  void Hurry();
   void SendBlock(const std::string& aBlock);
   bool HasConnection();
   void Pause();
-  bool WaitUntilDone(int aMilliseconds);
 };
 
 // Waits before the next attempt. The end of the collector cuts the pauses short: it is now or never.
@@ -129,13 +116,12 @@ void LogForwarder::State::Run() {
     SendBlock(theBlock);
   }
   mConnection.Close();
-  Locked([&] { mfDone = true; });
-  mChanged.notify_all();
 }
 
-bool LogForwarder::State::WaitUntilDone(int aMilliseconds) {
-  std::unique_lock<std::mutex> theLock(mMutex);
-  return mChanged.wait_for(theLock, std::chrono::milliseconds(aMilliseconds), [&] { return mfDone; });
+// The loop's word that the end is near.
+void LogForwarder::State::Hurry() {
+  Locked([&] { mfClosing = true; });
+  mChanged.notify_all();
 }
 
 bool LogForwarder_ParseTarget(const char* aText, LogForwarderOptions* aOptions) {
@@ -185,12 +171,7 @@ LogForwarder::LogForwarder(const LogForwarderOptions& anOptions)
           mState->mQueue, 0,
           [this](const std::string& aBlock) { return mState->CountOf(aBlock.data(), aBlock.size()); },
           [this](uint64 aCount) { return LogForwarder_S_LossMessage(mFormatter, aCount); }) {
-  sigset_t theAll;
-  sigset_t theBefore;
-  sigfillset(&theAll);  // signals are for the loop
-  pthread_sigmask(SIG_SETMASK, &theAll, &theBefore);
-  mState->mSender = std::thread([theState = mState] { theState->Run(); });
-  pthread_sigmask(SIG_SETMASK, &theBefore, NULL);
+  QueueWorker::Start(mState);
 }
 
 LogForwarder::~LogForwarder() { Close(); }
@@ -203,22 +184,10 @@ void LogForwarder::Take(const LogRecord& aRecord) {
 void LogForwarder::Flush() { mFeeder.EndTurn(); }
 
 void LogForwarder::Close() {
-  if (!mState->mSender.joinable()) {
-    return;
+  if (mState->IsRunning()) {
+    mState->Hurry();
+    mState->Finish(mFeeder, kLogForwarder_ClosePause, kLogForwarder_GiveUpPause);
   }
-  mState->Locked([&] { mState->mfClosing = true; });
-  mState->mChanged.notify_all();
-  mFeeder.Finish(kLogForwarder_ClosePause);
-  mState->mQueue.Close();
-  if (!mState->WaitUntilDone(mFeeder.Patience())) {
-    mState->Locked([&] { mState->mfGiveUp = true; });
-    mState->mChanged.notify_all();
-    if (!mState->WaitUntilDone(kLogForwarder_GiveUpPause)) {
-      mState->mSender.detach();  // held by the resolver; it ends with the process
-      return;
-    }
-  }
-  mState->mSender.join();
 }
 
 uint64 LogForwarder::Sent() const {

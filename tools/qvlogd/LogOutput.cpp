@@ -1,17 +1,12 @@
 #include "tools/qvlogd/LogOutput.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
 
 #include "qvLog/qvLogger.h"
 #include "tools/logstream/Clock.h"
-#include "tools/qvlogd/BoundedQueue.h"
+#include "tools/qvlogd/QueueWorker.h"
 #include "tools/qvlogd/StandardOutput.h"
 
 #define kLogOutput_Patience    20    // milliseconds in a turn
@@ -20,31 +15,19 @@
 #define kLogOutput_GiveUpPause 1000  // milliseconds for a writer that was told to give up
 
 // What the loop and the writer share.
-struct LogOutput::State {
-  explicit State(size_t aCapacity) : mQueue(aCapacity) {}
+struct LogOutput::State : QueueWorker {
+  explicit State(size_t aCapacity) : QueueWorker(aCapacity) {}
 
-  BoundedQueue mQueue;
   std::unique_ptr<LogTarget> mTarget;  // the writer's alone as soon as it runs
-  std::thread mWriter;                 // the loop's alone
 
-  mutable std::mutex mMutex;  // guards all below
-  std::condition_variable mChanged;
-  uint64 mDropped = 0;  // lines, by the writer
+  uint64 mDropped = 0;  // lines, by the writer; this and the flags are guarded
   bool mfReopen = false;
-  bool mfGiveUp = false;
   bool mfEnded = false;
-  bool mfDone = false;
 
-  template <class Body>
-  auto Locked(const Body& aBody) const {
-    std::lock_guard<std::mutex> theLock(mMutex);
-    return aBody();
-  }
-  void Run();
+  void Run() override;
   void WriteBlock(const std::string& aBlock);
   bool CountedAsDropped(const std::string& aBlock, size_t aDone);
   void ReopenIfAsked();
-  bool WaitUntilDone(int aMilliseconds);
 };
 
 static uint64 LogOutput_S_Lines(const char* aBytes, size_t aLength) {
@@ -101,13 +84,6 @@ void LogOutput::State::Run() {
     }
   }
   mTarget->Close();
-  Locked([&] { mfDone = true; });
-  mChanged.notify_all();
-}
-
-bool LogOutput::State::WaitUntilDone(int aMilliseconds) {
-  std::unique_lock<std::mutex> theLock(mMutex);
-  return mChanged.wait_for(theLock, std::chrono::milliseconds(aMilliseconds), [&] { return mfDone; });
 }
 
 static bool LogOutput_S_IsTerminal(const LogOutputOptions& anOptions) {
@@ -159,14 +135,7 @@ bool LogOutput::Open(std::string* aError) {
   if (!mState->mTarget->Open(aError)) {
     return false;
   }
-  // Signals are for the loop. A pipe without a reader and a file that may not grow shall give errors, not
-  // signals, too.
-  sigset_t theAll;
-  sigset_t theBefore;
-  sigfillset(&theAll);
-  pthread_sigmask(SIG_SETMASK, &theAll, &theBefore);
-  mState->mWriter = std::thread([theState = mState] { theState->Run(); });
-  pthread_sigmask(SIG_SETMASK, &theBefore, NULL);
+  QueueWorker::Start(mState);
   return true;
 }
 
@@ -183,19 +152,9 @@ void LogOutput::Reopen() {
 }
 
 void LogOutput::Close() {
-  if (!mState->mWriter.joinable()) {
-    return;
+  if (mState->IsRunning()) {
+    mState->Finish(mFeeder, kLogOutput_ClosePause, kLogOutput_GiveUpPause);
   }
-  mFeeder.Finish(kLogOutput_ClosePause);
-  mState->mQueue.Close();
-  if (!mState->WaitUntilDone(mFeeder.Patience())) {
-    mState->Locked([&] { mState->mfGiveUp = true; });
-    if (!mState->WaitUntilDone(kLogOutput_GiveUpPause)) {
-      mState->mWriter.detach();  // held inside a write; it ends with the process
-      return;
-    }
-  }
-  mState->mWriter.join();
 }
 
 uint64 LogOutput::Dropped() const {
