@@ -26,7 +26,7 @@ namespace {
 // What a configuration file is, with what its public part does not show.
 struct PrivateObject {
   qvConfigFile_INI mPublic;
-  int mfIsUnread;  // the read-write layer is not what is on disk, because that could not be read
+  int mfIsUnread;  // a save could destroy settings that are on disk and could not be read or put right
 };
 
 }  // namespace
@@ -54,9 +54,20 @@ static char* qvConfigFile_INI_S_FullName(const char* aFileName) {
   return aFileName != NULL ? qvPath_Normalize(aFileName, 0, kqvPathNormalizeMode_Generic, NULL) : NULL;
 }
 
-// Returns 0 when there are read-write settings, or may be, that the dictionary does not hold now.
+// Loads the latest settings of an interrupted save that could not be completed now. Returns 0 or the error.
+static int qvConfigFile_INI_S_LoadCompletedFile(const char* aFileName, qvDictionary* aDictionary) {
+  char* theCompletedName = qvConfigFile_INI_S_NewCompletedName(aFileName);
+  int theError = qvINIFile_S_LoadINIFileOrError(theCompletedName, aDictionary);
+  qvFree(theCompletedName);
+  return theError;
+}
+
+// Returns 0 when a save of the dictionary could destroy settings that are on disk.
 static int qvConfigFile_INI_S_LoadReadWriteFile(const char* aFileName, qvDictionary* aDictionary) {
   int theIsSettled = qvConfigFile_INI_S_CheckAndRepairFile(aFileName);
+  if (!theIsSettled && qvConfigFile_INI_S_LoadCompletedFile(aFileName, aDictionary) == 0) {
+    return 0;
+  }
   int theError = qvINIFile_S_LoadINIFileOrError(aFileName, aDictionary);
   return theIsSettled && (theError == 0 || theError == kqvFileErrorNotFound);
 }

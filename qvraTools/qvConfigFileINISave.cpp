@@ -52,9 +52,13 @@ static int qvConfigFile_INI_S_SaveLocked(const char* aFileName, const char* aTem
   return qvFile_Rename(aCompletedName, aFileName) == 0;
 }
 
+char* qvConfigFile_INI_S_NewCompletedName(const char* aFileName) {
+  return qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
+}
+
 int qvConfigFile_INI_S_CheckAndRepairFile(const char* aFileName) {
   char* theTemporaryName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_TemporarySuffix);
-  char* theCompletedName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
+  char* theCompletedName = qvConfigFile_INI_S_NewCompletedName(aFileName);
   int theResult = qvConfigFile_INI_S_IsAbsent(theCompletedName);
   // Looked at before the lock, so that an ordinary open waits for nobody. What is there may belong to a save
   // that is under way: then it is gone once the lock is taken.
@@ -74,7 +78,7 @@ int qvConfigFile_INI_S_CheckAndRepairFile(const char* aFileName) {
 
 int qvConfigFile_INI_S_SaveFile(const char* aFileName, qvDictionary* aDictionary) {
   char* theTemporaryName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_TemporarySuffix);
-  char* theCompletedName = qvConfigFile_INI_S_GetNewINIFileName(aFileName, kqvConfigFile_INI_CompletedSuffix);
+  char* theCompletedName = qvConfigFile_INI_S_NewCompletedName(aFileName);
   qvDirLock theLock = qvDirLock_AcquireForFile(aFileName, kqvConfigFile_INI_LockLimit);
   int theResult =
       theLock != kqvDirLockBusy &&

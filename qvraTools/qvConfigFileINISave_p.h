@@ -20,6 +20,9 @@ QV_BEGIN_DECLS
  * a second; who holds the lock longer has been stopped. */
 #define kqvConfigFile_INI_LockLimit 5000
 
+/* The name of FILE.ok, for the caller to release. */
+char* qvConfigFile_INI_S_NewCompletedName(const char* aFileName);
+
 /* Settles what an interrupted save has left beside the file. Returns 1 when no complete FILE.ok is there any
  * more; 0 when there is one, or may be: then the file may not hold the latest settings. */
 int qvConfigFile_INI_S_CheckAndRepairFile(const char* aFileName);

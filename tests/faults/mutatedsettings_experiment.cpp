@@ -153,13 +153,15 @@ bool Settles(const std::string& aText, const std::string& aFile) {
   const int theSaves = MayHaveSlashInHeader(aText) || MayHaveSlashInHeader(theFirst) ? 6 : 3;
   std::string theLast = theFirst;
   bool theIsSettled = false;
+  // A name that begins with a byte order mark loses it when it comes to stand at the start of a file.
+  bool theLosesItsMark = false;
   for (int i = 2; i <= theSaves && (i <= 3 || !theIsSettled); ++i) {
     const std::string theNext = LoadAndSave(aFile);
     theIsSettled = theNext == theLast;
+    theLosesItsMark = theLosesItsMark || theLast.compare(0, 3, kByteOrderMark) == 0;
     theLast = theNext;
   }
-  // A name that begins with a byte order mark loses it when it comes to stand at the start of a file.
-  return theIsSettled || theLast.compare(0, 3, kByteOrderMark) == 0;
+  return theIsSettled || theLosesItsMark;
 }
 
 // Tries a text that may end the process: then in a child, which must die of that alone.

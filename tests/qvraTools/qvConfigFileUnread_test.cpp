@@ -55,7 +55,7 @@ TEST(qvConfigFileUnread, SettingsThatCouldNotBeReadAreNotReplaced) {
   }
 }
 
-TEST(qvConfigFileUnread, CompletedSettingsThatCouldNotTakeTheirPlaceAreNotReplaced) {
+TEST(qvConfigFileUnread, CompletedSettingsThatCouldNotTakeTheirPlaceAreReadAndNotReplaced) {
   const struct {
     const char* mCall;
     int mErrno;
@@ -67,9 +67,33 @@ TEST(qvConfigFileUnread, CompletedSettingsThatCouldNotTakeTheirPlaceAreNotReplac
     WriteWholeFile(theFile, GenerationText("older"));
     WriteWholeFile(theFile + ".ok", GenerationText("old"));
     UnluckyOpen theOpen(theFile, theCase.mCall, theCase.mErrno);
+    EXPECT_STREQ("old", qvConfigFile_GetString(theOpen.Get(), "net", "key0", ""));
     EXPECT_EQ(0, qvConfigFile_Save(theOpen.Get()));
     EXPECT_EQ("old", GenerationAtOpen(theFile));
   }
+}
+
+TEST(qvConfigFileUnread, CompletedSettingsThatCannotBeReadEitherLeaveTheOlderOnes) {
+  ScratchFolder theFolder;
+  std::string theFile = theFolder.File("a.ini");
+  WriteWholeFile(theFile, GenerationText("older"));
+  WriteWholeFile(theFile + ".ok", GenerationText("old"));
+  CallPlan thePlan;
+  thePlan.mfLooksCount = true;
+  thePlan.mErrno = EIO;
+  qvConfigFile* theConfigFile = nullptr;
+  // No lock, and the first open behind that fails too.
+  thePlan.mFailName = "open";
+  thePlan.mFailFrom = 0;
+  thePlan.mFailCount = 5;
+  const std::string theCalls = RunPlanned(thePlan, [&] {
+                                 theConfigFile = qvConfigFile_New(nullptr, theFile.c_str(), nullptr);
+                               }).Calls();
+  ASSERT_EQ("stat open stat stat open open read", theCalls.substr(0, 34));
+  EXPECT_STREQ("older", qvConfigFile_GetString(theConfigFile, "net", "key0", ""));
+  EXPECT_EQ(0, qvConfigFile_Save(theConfigFile));
+  qvConfigFile_Delete(theConfigFile);
+  EXPECT_EQ("old", GenerationAtOpen(theFile));
 }
 
 TEST(qvConfigFileUnread, ResetGivesUpWhatCouldNotBeReadAndAllowsTheSave) {

@@ -17,7 +17,7 @@ constexpr long kStartMark = SYS_getppid;         // the last system call before 
 // A child that stops before and behind each of its system calls.
 class TracedChild {
  public:
-  explicit TracedChild(const std::function<void()>& aBody) {
+  explicit TracedChild(const std::function<int()>& aBody) {
     fflush(nullptr);
     mPid = fork();
     if (mPid == 0) {
@@ -26,8 +26,7 @@ class TracedChild {
       }
       raise(SIGSTOP);
       syscall(kStartMark);
-      aBody();
-      _exit(0);
+      _exit(aBody());
     }
     waitpid(mPid, &mStatus, 0);
     mfRunning = WIFSTOPPED(mStatus);
@@ -65,6 +64,15 @@ class TracedChild {
     return -1;
   }
 
+  // False when the child has ended before its system call anIndex, counted from 0.
+  bool StopBefore(size_t anIndex) {
+    long theNumber = NextSystemCall();
+    for (size_t i = 0; theNumber >= 0 && i < anIndex; ++i) {
+      theNumber = NextSystemCall();
+    }
+    return theNumber >= 0;
+  }
+
   bool IsRunning() const { return mfRunning; }
   int ExitCode() const { return WIFEXITED(mStatus) ? WEXITSTATUS(mStatus) : -1; }
 
@@ -77,13 +85,13 @@ class TracedChild {
 }  // namespace
 
 bool CanTraceProcesses() {
-  TracedChild theChild([] { (void)getppid(); });
+  TracedChild theChild([] { return static_cast<int>(getppid() & 0); });
   return theChild.IsRunning() && theChild.NextSystemCall() >= 0;
 }
 
 std::vector<long> SystemCallsOf(const std::function<void()>& aBody) {
   std::vector<long> theNumbers;
-  TracedChild theChild(aBody);
+  TracedChild theChild([&] { return aBody(), 0; });
   for (long theNumber = theChild.NextSystemCall(); theNumber >= 0; theNumber = theChild.NextSystemCall()) {
     theNumbers.push_back(theNumber);
   }
@@ -92,10 +100,18 @@ std::vector<long> SystemCallsOf(const std::function<void()>& aBody) {
 }
 
 bool KillBeforeSystemCall(size_t anIndex, const std::function<void()>& aBody) {
+  TracedChild theChild([&] { return aBody(), 0; });
+  return theChild.StopBefore(anIndex);
+}
+
+int StopBeforeSystemCall(size_t anIndex, const std::function<int()>& aBody,
+                         const std::function<void()>& aMeanwhile) {
   TracedChild theChild(aBody);
-  long theNumber = theChild.NextSystemCall();
-  for (size_t i = 0; theNumber >= 0 && i < anIndex; ++i) {
-    theNumber = theChild.NextSystemCall();
+  if (!theChild.StopBefore(anIndex)) {
+    return -1;
   }
-  return theNumber >= 0;
+  aMeanwhile();
+  while (theChild.NextSystemCall() >= 0) {
+  }
+  return theChild.ExitCode();
 }

@@ -19,4 +19,9 @@ std::vector<long> SystemCallsOf(const std::function<void()>& aBody);
 // call is not made. Returns false when the body ended before it.
 bool KillBeforeSystemCall(size_t anIndex, const std::function<void()>& aBody);
 
+// Stops the child there instead, runs aMeanwhile and lets the child go on. Gives the child's exit code, which
+// is what aBody returns, or -1 when the body ended before that call.
+int StopBeforeSystemCall(size_t anIndex, const std::function<int()>& aBody,
+                         const std::function<void()>& aMeanwhile);
+
 #endif
