@@ -117,7 +117,8 @@ LoggingProcess::~LoggingProcess() {
 }
 
 std::string LoggingProcess::Text(uint64_t aNumber) {
-  return "message " + std::to_string(aNumber) + " " + std::string(aNumber * 7919 % 200, 'x') + "\n";
+  return "message " + std::to_string(aNumber) + " " +
+         std::string(static_cast<size_t>(aNumber * 7919 % 200), 'x') + "\n";
 }
 
 // --- In the process

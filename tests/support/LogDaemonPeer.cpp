@@ -98,6 +98,11 @@ void LogDaemonPeer::Accept() {
 
 bool LogDaemonPeer::HasCaller(int aLimitMs) { return IsReadable(mListener, aLimitMs); }
 
+bool LogDaemonPeer::HasEnded() const {
+  char theByte;
+  return mUnread.empty() && recv(mConnection, &theByte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+}
+
 bool LogDaemonPeer::Receive(size_t aLimit) {
   if (mConnection == -1) {
     Accept();

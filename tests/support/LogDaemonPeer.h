@@ -35,6 +35,8 @@ class LogDaemonPeer {
   // Whether a connection is waiting to be accepted, or comes within the time.
   bool HasCaller(int aLimitMs = 0);
   bool IsConnected() const { return mConnection != -1; }
+  // Whether everything has been read and the other side has closed.
+  bool HasEnded() const;
 
   // The next bytes of the connection, up to and with the first occurrence of a text; up to the end of the
   // stream; aCount of them, and then no more leave the system. Accepts first when there is no connection.
