@@ -99,6 +99,9 @@ void Viewer::ShowLog(const std::string& aPath) {
     theResult = theFollower->ReadEnd(UINT64_MAX, *this, &theIsWhole);
   }
   mfOrphaned = false;
+  if (theResult == LogFollowerResult_Error && errno == EINTR && StopSignals_HasCome()) {
+    return;  // told to end while it waited for a writer of a pipe
+  }
   bool theIsAwaited = theResult == LogFollowerResult_Error && errno == ENOENT && mOptions.mfFollow;
   if (theResult == LogFollowerResult_Error) {
     Complain(theFollower->ErrorPath(), theIsAwaited ? "; waiting for it" : "");

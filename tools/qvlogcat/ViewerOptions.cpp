@@ -228,6 +228,9 @@ ViewerOptionsResult ViewerOptions_Read(int anArgumentCount, char** anArguments, 
   if (theResult != ViewerOptionsResult_Run) {
     return theResult;
   }
+  if (!theTaken.mSettings.empty() && access(theTaken.mSettings.c_str(), X_OK) != 0) {
+    return ViewerOptions_S_Bad("--settings: " + theTaken.mSettings + ": " + strerror(errno));
+  }
   if (aOptions->mInputs.empty()) {
     std::string theFile = DefaultFile_Find(theTaken.mSettings);
     aOptions->mInputs.push_back(theFile.empty() ? "-" : theFile);

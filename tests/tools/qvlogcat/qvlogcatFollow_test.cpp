@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -113,6 +114,24 @@ TEST_F(qvlogcatFollow, AReaderThatGoesInTheMiddleIsNoFailure) {
   ChildResult theResult = theViewer.Wait();
   EXPECT_EQ(0, theResult.mExitCode);
   EXPECT_EQ(0, theResult.mSignal);
+  EXPECT_EQ("", theResult.mStderr);
+}
+
+TEST_F(qvlogcatFollow, ASignalEndsItAlsoWhileAPipeHasNoWriter) {
+  Append("box.log", "before\n");
+  ASSERT_EQ(0, mkfifo(File("pipe").c_str(), 0600));
+  RunningProgram theViewer(QVLOGCAT, {"-f", "-o", "cat", File("box.log"), File("pipe")}, Environment());
+  ASSERT_TRUE(theViewer.WaitForOutput("before\n"));
+  // Behind that line it sleeps nowhere but in the opening of the pipe.
+  std::string theStatus = "/proc/" + std::to_string(theViewer.Pid()) + "/stat";
+  std::string theNumber, theName, theState;
+  while (theState != "S") {
+    std::ifstream(theStatus) >> theNumber >> theName >> theState;
+    ASSERT_NE("", theState);
+  }
+  theViewer.Signal(SIGTERM);
+  ChildResult theResult = theViewer.Wait();
+  EXPECT_EQ(0, theResult.mExitCode);
   EXPECT_EQ("", theResult.mStderr);
 }
 

@@ -250,6 +250,7 @@ TEST_F(qvlogcat, ABadOptionEndsWithOneLineThatNamesIt) {
                   "--since: 'soon' is not a time, as in 2026-11-21 14:03:07, 14:03, @SECONDS or -15m");
   ExpectBadOption({"-U", "soon"},
                   "--until: 'soon' is not a time, as in 2026-11-21 14:03:07, 14:03, @SECONDS or -15m");
+  ExpectBadOption({"--settings=/nonexistent"}, "--settings: /nonexistent: No such file or directory");
   ExpectBadOption({"--input="}, "--input: '' is not a file name");
   ExpectBadOption({"GRAPHICS:X"}, "filter 'GRAPHICS:X' is not MODULE:LEVEL");
   ExpectBadOption({}, "QVLOG_TAGS: 'A:X' is not MODULE:LEVEL ...", {"QVLOG_TAGS=A:X"});
