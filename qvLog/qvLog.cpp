@@ -69,7 +69,7 @@ static void qvLog_S_MakeLoggers() {
   if (qvMainLogger::Current() != NULL) {
     return;
   }
-  qvMainLogger* theLogger = new (qvOrFatalError()) qvMainLogger;
+  qvMainLogger* theLogger = new (qvOrFatalError{}) qvMainLogger;
   qvLog_S_SetMainLogger(theLogger);
   theLogger->Setup();
   CreateLoggers();
@@ -349,7 +349,7 @@ void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aCookie) {
   qvErrnoKeeper theErrnoKeeper;
   qvLogger::LockFramework();
   if (qvFuncLogger::sInstance == NULL && aLevel != 0 && !qvLogger::NeverLog()) {
-    new (qvOrFatalError()) qvFuncLogger(true);  // enters the chain, which owns it
+    new (qvOrFatalError{}) qvFuncLogger(true);  // enters the chain, which owns it
   }
   if (qvFuncLogger::sInstance != NULL) {
     qvFuncLogger::sInstance->SetFunc(aLevel, aFunc, aCookie);

@@ -36,7 +36,7 @@ static qvConfig* _GetConfig(uint32 anOptions) {
     theReadPath = kqvLogger_DefaultPath;
     theWritePath = kqvLogger_DefaultPath;
   }
-  return new (qvOrFatalError()) qvConfig(theReadPath, theWritePath, qvLogger::GetConfigFileName());
+  return new (qvOrFatalError{}) qvConfig(theReadPath, theWritePath, qvLogger::GetConfigFileName());
 }
 
 qvCString qvLogger::GetConfigFileName() {

@@ -154,7 +154,7 @@ void qvFileLogger_S_LeaveParentsLine() {
 void qvLogger_File_Init(void) {
   qvLogger::LockFramework();
   if (qvFileLogger::sInstance == NULL && !qvLogger::NeverLog()) {
-    new (qvOrFatalError()) qvFileLogger(true);  // enters the chain, which owns it
+    new (qvOrFatalError{}) qvFileLogger(true);  // enters the chain, which owns it
   }
   qvLogger::UnlockFramework();
 }

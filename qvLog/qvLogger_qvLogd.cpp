@@ -315,7 +315,7 @@ void qvLogdLogger_S_LeaveParentsConnection() {
 void qvLogger_qvLogd_Init(void) {
   qvLogger::LockFramework();
   if (qvLogdLogger::sInstance == NULL && !qvLogger::NeverLog()) {
-    new (qvOrFatalError()) qvLogdLogger(true);  // enters the chain, which owns it
+    new (qvOrFatalError{}) qvLogdLogger(true);  // enters the chain, which owns it
   }
   qvLogger::UnlockFramework();
 }

@@ -11,7 +11,7 @@
 
 #include "qvraTools/qvFatalError.h"
 
-/* Written as new (qvOrFatalError()) X. */
+/* Written as new (qvOrFatalError{}) X. */
 struct qvOrFatalError {};
 
 inline void* operator new(size_t aSize, qvOrFatalError) {

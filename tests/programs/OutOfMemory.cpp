@@ -60,7 +60,7 @@ int main(int aCount, char** anArguments) {
     struct Object {
       char mBytes[14];
     };
-    delete new (qvOrFatalError()) Object;
+    delete new (qvOrFatalError{}) Object;
   } else if (strcmp(theWork, "mutex") == 0) {
     puts(qvMutex_New() == NULL ? "null" : "made");
   } else if (strcmp(theWork, "semaphore") == 0) {
