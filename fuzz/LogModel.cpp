@@ -1,6 +1,7 @@
 #include "LogModel.h"
 
 #include <ctype.h>
+#include <errno.h>
 #include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -27,8 +28,9 @@ static bool ReadNumber(const std::string& aText, long long aMin, long long aMax,
   if (theSign == std::string::npos || (aText[theSign] == '-' && !isdigit(aText.c_str()[theSign + 1]))) {
     return false;
   }
+  errno = 0;
   *aNumber = strtoll(aText.c_str(), &theEnd, 10);
-  return *theEnd == '\0' && *aNumber >= aMin && *aNumber <= aMax && isdigit(theEnd[-1]);
+  return errno == 0 && *theEnd == '\0' && *aNumber >= aMin && *aNumber <= aMax && isdigit(theEnd[-1]);
 }
 
 int LogSettings::Number(const std::string& aName, int aDefault) const {
@@ -56,8 +58,9 @@ unsigned LogSettings::Level(const std::string& aName, const std::string& aDefaul
     }
   }
   long long theNumber;
-  return ReadNumber(theText, LLONG_MIN, LLONG_MAX, &theNumber) ? static_cast<unsigned>(theNumber & 0xFFFF)
-                                                               : 0;
+  // The number beside the smallest reads as the smallest, whose low bits are 0 like those of no number.
+  return ReadNumber(theText, LLONG_MIN + 2, LLONG_MAX, &theNumber) ? static_cast<unsigned>(theNumber & 0xFFFF)
+                                                                   : 0;
 }
 
 void LogModel::Add(const std::string& aText) {

@@ -41,13 +41,16 @@ static void CheckTypedReads(qvDictionary* aDictionary, const char* aSection, con
   int32 theInt32 = qvINIFile_ReadKeyAsInt32(aDictionary, aSection, aKey, 7, &theFound);
   uint32 theUInt32 = qvINIFile_ReadKeyAsUInt32(aDictionary, aSection, aKey, 7, &theFound);
   char* theEnd;
+  unsigned long long theUnsigned = strtoull(aValue.c_str(), &theEnd, 0);
+  if (aValue.find('-') == std::string::npos && theUnsigned <= UINT32_MAX) {
+    bool theWholeFlag = theEnd != aValue.c_str() && *theEnd == '\0';
+    FUZZ_REQUIRE(theUInt32 == (theWholeFlag ? theUnsigned : 7));
+  }
   long long theNumber = strtoll(aValue.c_str(), &theEnd, 10);
   if (theSignFlag && theFirst != '\0' && *theEnd == '\0' && llabs(theNumber) < INT32_MAX) {
     bool theNumberFlag = theEnd != aValue.c_str();
     FUZZ_REQUIRE(theInt32 == (theNumberFlag ? theNumber : 7));
     FUZZ_REQUIRE(theBool == (theNumberFlag ? theNumber != 0 : 7));
-    bool theDecimalFlag = theNumber > 0 && aValue.find_first_of("+123456789") < aValue.find('0');
-    FUZZ_REQUIRE(!theDecimalFlag || theUInt32 == static_cast<uint32>(theNumber));
   }
 }
 
