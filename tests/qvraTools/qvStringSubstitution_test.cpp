@@ -297,7 +297,7 @@ TEST(qvStringSubstitution, ManyReplacementsLongerThanTheirNamesAllFindTheirPlace
   EXPECT_EQ(Substitute(theText.c_str(), 1), theExpected);
 }
 
-TEST(qvStringSubstitution, AMebibyteOfMarksIsReplacedPairByPair) {
-  EXPECT_EQ(Substitute(std::string(1 << 20, '%').c_str()), std::string(1 << 19, '%'));
-  EXPECT_EQ(Substitute(std::string(1 << 20, '%').c_str(), 1), "%");
+TEST(qvStringSubstitution, ALongRowOfMarksIsReplacedPairByPair) {
+  EXPECT_EQ(Substitute(std::string(1 << 16, '%').c_str()), std::string(1 << 15, '%'));
+  EXPECT_EQ(Substitute(std::string(1 << 16, '%').c_str(), 1), "%");
 }
