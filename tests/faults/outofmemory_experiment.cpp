@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <regex>
 #include <sstream>
 
 #include "faults/Experiment.h"
@@ -58,7 +59,10 @@ void StarveTest(Experiment* anExperiment, const std::string& aProgram, const std
 void StarveTests(Experiment* anExperiment) {
   std::vector<std::string> thePrograms;
   for (const auto& theEntry : std::filesystem::directory_iterator(QVLOG_STARVED_TESTS)) {
-    if (theEntry.path().extension().empty()) {
+    const std::string theName = theEntry.path().filename().string();
+    // Those of the night may lie there as well.
+    if (theEntry.path().extension().empty() &&
+        (anExperiment->IsNight() || std::regex_search(theName, std::regex(QVLOG_STARVED_AT_MERGE)))) {
       thePrograms.push_back(theEntry.path().string());
     }
   }

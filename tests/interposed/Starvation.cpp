@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdio_ext.h>
@@ -24,10 +25,11 @@ void StopPlannedCalls() __attribute__((weak));
 
 namespace {
 
-constexpr unsigned kLimit = 20;        // seconds until a child that hangs is ended
+constexpr unsigned kLimit = 10;        // seconds until a child that hangs is ended
 constexpr size_t kFirstPoints = 16;    // of a sample, tried one by one
 constexpr size_t kSampleThinning = 8;  // behind them, each gap is a share of the index
 constexpr size_t kTextSize = 200;
+constexpr size_t kThreadWords = 256;  // of the description of a thread, among which its number is
 
 StarvationReport* sReport = nullptr;
 bool sfSample = false;
@@ -97,14 +99,33 @@ void Judge(int aStatus, int anOutput, int anError, const char* aKind, size_t aSi
   }
 }
 
+// The C library's description of the calling thread.
+pid_t* ThreadWords() { return reinterpret_cast<pid_t*>(pthread_self()); }
+
+// Lets the only thread of a new child go for the one that it is the copy of: a recursive mutex that the
+// thread holds knows it by its number. That is the word of the thread's description which was the parent's
+// number before and is the child's now.
+void TakeOverNumber(const pid_t* aParentWords, pid_t aParent) {
+  const pid_t theOwn = static_cast<pid_t>(syscall(SYS_gettid));
+  for (size_t i = 0; i < kThreadWords; ++i) {
+    if (aParentWords[i] == aParent && ThreadWords()[i] == theOwn) {
+      ThreadWords()[i] = aParent;
+    }
+  }
+}
+
 // True in the child in which the allocation is to fail.
 bool TryPoint(bool afFromNowOn, const char* aKind, size_t aSize) {
   const int theErrno = errno;
   int theOutput = static_cast<int>(syscall(SYS_memfd_create, "output", 1));
   int theError = static_cast<int>(syscall(SYS_memfd_create, "error", 1));
   // Without the handlers of fork: the library's would wait for locks that this very thread may hold.
+  const pid_t theThread = static_cast<pid_t>(syscall(SYS_gettid));
+  pid_t theWords[kThreadWords];
+  memcpy(theWords, ThreadWords(), sizeof(theWords));
   pid_t theChild = theError >= 0 ? _Fork() : -1;
   if (theChild == 0) {
+    TakeOverNumber(theWords, theThread);
     syscall(SYS_dup3, theOutput, STDOUT_FILENO, 0);
     syscall(SYS_dup3, theError, STDERR_FILENO, 0);
     __fpurge(stdout);
@@ -169,7 +190,8 @@ extern "C" {
 void* qvStarved_malloc(size_t aSize) { return FailsHere("malloc", aSize) ? nullptr : malloc(aSize); }
 
 void* qvStarved_realloc(void* aPtr, size_t aSize) {
-  return FailsHere("realloc", aSize) ? nullptr : realloc(aPtr, aSize);
+  // A block that shrinks to nothing is given back, which does not fail.
+  return aSize > 0 && FailsHere("realloc", aSize) ? nullptr : realloc(aPtr, aSize);
 }
 
 char* qvStarved_strdup(const char* aStr) {
@@ -194,11 +216,14 @@ static bool IsOutOfMemory() {
   return theResult;
 }
 
-void* malloc(size_t aSize) noexcept { return IsOutOfMemory() ? nullptr : __libc_malloc(aSize); }
-void* calloc(size_t aCount, size_t aSize) noexcept {
+// A test may have its own.
+__attribute__((weak)) void* malloc(size_t aSize) noexcept {
+  return IsOutOfMemory() ? nullptr : __libc_malloc(aSize);
+}
+__attribute__((weak)) void* calloc(size_t aCount, size_t aSize) noexcept {
   return IsOutOfMemory() ? nullptr : __libc_calloc(aCount, aSize);
 }
-void* realloc(void* aPtr, size_t aSize) noexcept {
+__attribute__((weak)) void* realloc(void* aPtr, size_t aSize) noexcept {
   return IsOutOfMemory() ? nullptr : __libc_realloc(aPtr, aSize);
 }
 #endif
