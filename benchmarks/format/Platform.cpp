@@ -1,0 +1,5 @@
+#include "Workload.h"
+
+#include <cstdio>
+
+FORMAT_CONTENDER("platform", snprintf)

@@ -1,0 +1,5 @@
+#include "Workload.h"
+
+#include <qvraTools/format/qvFormat.h>
+
+FORMAT_CONTENDER("qvLog", qv_snprintf)
