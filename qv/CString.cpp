@@ -126,7 +126,7 @@ bool qvCString::SetCharAt(char aChar, int anIndex) {
   if (mCStringData->mAllocatedLength == kqvCStringData_StaticText) {
     CopyBeforeWrite();
   }
-  // KEEP qvCStringKept.SetCharAtIsSeenByEveryCopy
+  // KEEP qvCStringKept.SetCharAtIsSeenByEveryCopy, qvCStringKept.SetCharAtIsSeenByEveryCopyOfAnAllocatedText
   // No copy before this write: strings that share the text see the character change.
   mStringPtr[anIndex] = aChar;
   return true;
