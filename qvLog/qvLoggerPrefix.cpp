@@ -16,6 +16,7 @@
 #define kqvLogger_ModuleColumns   10
 #define kqvLogger_ProcessNameSize 64 /* bytes */
 #define kqvLogger_ThreadNameSize  10 /* bytes */
+#define kqvLogger_ThreadDigits    8
 #define kqvLogger_CachedZoneSize  64 /* bytes */
 #define kqvLogger_CachedStampSize 24 /* bytes; a date and a time, less than a record's stamp */
 
@@ -62,7 +63,11 @@ const char* qvLogger::CurrentProcessName() {
 
 const char* qvLogger::CurrentThreadName() {
   static char sName[kqvLogger_ThreadNameSize];
-  qv_snprintf(sName, sizeof(sName), "%08x", static_cast<unsigned int>(CurrentThreadId()));
+  uint32 theId = CurrentThreadId();
+  for (int i = kqvLogger_ThreadDigits - 1; i >= 0; --i) {
+    sName[i] = "0123456789abcdef"[theId & 0x0F];
+    theId >>= 4;
+  }
   return sName;
 }
 
@@ -146,6 +151,18 @@ static size_t qvLogger_S_FormatSecond(char* aText, size_t aSize, int aSeconds) {
   return sLength;
 }
 
+// Appends ":042". By hand, because it is done for every message.
+static size_t qvLogger_S_AppendMilliseconds(char* aText, size_t aLength, int32 aMicroseconds) {
+  unsigned int theMS = static_cast<unsigned int>(aMicroseconds) / 1000;
+  char* theEnd = aText + aLength;
+  *theEnd++ = ':';
+  *theEnd++ = static_cast<char>('0' + theMS / 100);
+  *theEnd++ = static_cast<char>('0' + theMS / 10 % 10);
+  *theEnd++ = static_cast<char>('0' + theMS % 10);
+  *theEnd = '\0';
+  return aLength + 4;
+}
+
 void qvLogger::Append_LogTime(qvLogDataEx* aRecord) {
   if (aRecord->mTimeStrLen == 0) {
     qvtimeval theNow;
@@ -153,9 +170,7 @@ void qvLogger::Append_LogTime(qvLogDataEx* aRecord) {
     char* theText = aRecord->mTimeStr;
     size_t theSize = sizeof(aRecord->mTimeStr);
     size_t theLength = qvLogger_S_FormatSecond(theText, theSize, theNow.tv_sec);
-    theLength += static_cast<size_t>(qv_snprintf(theText + theLength, theSize - theLength, ":%03ld",
-                                                 static_cast<long>(theNow.tv_usec / 1000)));
-    aRecord->mTimeStrLen = theLength;
+    aRecord->mTimeStrLen = qvLogger_S_AppendMilliseconds(theText, theLength, theNow.tv_usec);
   }
   Append_S(aRecord, aRecord->mTimeStr, aRecord->mTimeStrLen);
 }
