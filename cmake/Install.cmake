@@ -5,6 +5,9 @@ include(CMakePackageConfigHelpers)
 install(TARGETS qvLog EXPORT qvLogTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(QVLOG_BUILD_STATIC AND BUILD_SHARED_LIBS)
+  install(TARGETS qvLog_archive ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 foreach(theRoom qvLog qv qvraTools qvOS)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/${theRoom} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE
@@ -22,6 +25,12 @@ install(FILES ${PROJECT_BINARY_DIR}/qvLogConfig.cmake ${PROJECT_BINARY_DIR}/qvLo
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qvLog)
 
 # Relative to the folder of qvLog.pc, so that an installed tree may be moved; the library folder can have two levels.
-file(RELATIVE_PATH QVLOG_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+# What belongs to the system is never moved, and pkg-config then leaves out the folders that compilers know.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(QVLOG_PC_PREFIX /usr)
+else()
+  file(RELATIVE_PATH QVLOG_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(PREPEND QVLOG_PC_PREFIX "\${pcfiledir}/")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/packaging/qvLog.pc.in ${PROJECT_BINARY_DIR}/qvLog.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvLog.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

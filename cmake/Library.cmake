@@ -37,5 +37,8 @@ add_library(qvLog_archive STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:qvLog_objects
 set_target_properties(qvLog_archive PROPERTIES LINKER_LANGUAGE CXX)
 target_include_directories(qvLog_archive PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(qvLog_archive PUBLIC qvLog_settings ${CMAKE_DL_LIBS} pthread)
+if(QVLOG_BUILD_STATIC AND BUILD_SHARED_LIBS)
+  set_target_properties(qvLog_archive PROPERTIES OUTPUT_NAME qvLog EXCLUDE_FROM_ALL OFF)
+endif()
 
 include(cmake/Install.cmake)
