@@ -23,6 +23,18 @@
 #define kqvFormat_ScratchLength 256
 
 template <typename Char>
+static void qvFormat_S_WriteFraction(const qvFormatNumber& aNumber, qvFormatOutput<Char>* anOutput) {
+  anOutput->Put('.');
+  if (aNumber.mZerosBehindPoint > 0) {
+    anOutput->Fill('0', aNumber.mZerosBehindPoint);
+  }
+  anOutput->AppendASCII(aNumber.mFraction, aNumber.mFractionCount);
+  if (aNumber.mZerosAfter > 0) {
+    anOutput->Fill('0', aNumber.mZerosAfter);
+  }
+}
+
+template <typename Char>
 static void qvFormat_S_WriteNumber(const qvFormatNumber& aNumber, qvFormatOutput<Char>* anOutput) {
   if (aNumber.mBlanksBefore > 0) {
     anOutput->Fill(' ', aNumber.mBlanksBefore);
@@ -34,11 +46,12 @@ static void qvFormat_S_WriteNumber(const qvFormatNumber& aNumber, qvFormatOutput
     anOutput->Fill('0', aNumber.mZerosBefore);
   }
   anOutput->AppendASCII(aNumber.mDigits, aNumber.mDigitCount);
-  if (aNumber.mZerosAfter > 0) {
-    anOutput->Fill('0', aNumber.mZerosAfter);
+  if (aNumber.mfPoint) {
+    qvFormat_S_WriteFraction(aNumber, anOutput);
   }
   if (aNumber.mSuffixLength > 0) {
-    anOutput->AppendASCII(aNumber.mSuffix, aNumber.mSuffixLength);
+    anOutput->AppendASCII(aNumber.mSuffix + sizeof aNumber.mSuffix - aNumber.mSuffixLength,
+                          aNumber.mSuffixLength);
   }
   if (aNumber.mBlanksAfter > 0) {
     anOutput->Fill(' ', aNumber.mBlanksAfter);
@@ -57,18 +70,18 @@ static void qvFormat_S_WriteInteger(const qvFormatDirective& aDirective, const q
 template <typename Char>
 static QVFORMAT_NOINLINE void qvFormat_S_WriteDouble(const qvFormatDirective& aDirective, double aValue,
                                                      qvFormatOutput<Char>* anOutput) {
-  char theBuffer[kqvFormatDouble_BufferSize];
+  qvFormatDigitsRoom<kqvFormatDouble_MaxWords> theRoom;
   qvFormatNumber theNumber;
-  qvFormatNumber_SetDouble(aDirective, aValue, theBuffer, &theNumber);
+  qvFormatNumber_SetDouble(aDirective, aValue, qvFormatDigitsPlace(&theRoom), &theNumber);
   qvFormat_S_WriteNumber(theNumber, anOutput);
 }
 
 template <typename Char>
 static QVFORMAT_NOINLINE void qvFormat_S_WriteLongDouble(const qvFormatDirective& aDirective,
                                                          long double aValue, qvFormatOutput<Char>* anOutput) {
-  char theBuffer[kqvFormatLongDouble_BufferSize];
+  qvFormatDigitsRoom<kqvFormatLongDouble_MaxWords> theRoom;
   qvFormatNumber theNumber;
-  qvFormatNumber_SetLongDouble(aDirective, aValue, theBuffer, &theNumber);
+  qvFormatNumber_SetLongDouble(aDirective, aValue, qvFormatDigitsPlace(&theRoom), &theNumber);
   qvFormat_S_WriteNumber(theNumber, anOutput);
 }
 

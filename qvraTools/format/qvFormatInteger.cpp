@@ -13,7 +13,7 @@ const char kqvFormat_Pairs[] =
 #define kqvFormatInteger_PointerDigits 8 /* at least, behind "0x" */
 #define kqvFormatInteger_Billion       1000000000U
 
-// Digits are written backwards from anEnd; the first one's address is returned. No digits for 0.
+// As all writers of digits here: backwards from anEnd, nothing for 0; returns the first digit.
 static char* qvFormat_S_WriteDecimal32(char* anEnd, uint32 aValue) {
   while (aValue >= 100) {
     anEnd -= 2;
@@ -29,7 +29,7 @@ static char* qvFormat_S_WriteDecimal32(char* anEnd, uint32 aValue) {
   return anEnd;
 }
 
-static char* qvFormat_S_WriteDecimal(char* anEnd, uint64 aValue) {
+char* qvFormatNumber_WriteDecimal(char* anEnd, uint64 aValue) {
   // A 64-bit division is a slow call on a 32-bit processor: one for each nine digits.
   while (aValue > UINT32_MAX) {
     char* theStart = anEnd - 9;
@@ -92,6 +92,7 @@ static uint64 qvFormat_S_AsLength(uint64 aValue, qvFormatLength aLength, bool af
 void qvFormatNumber_Pad(const qvFormatDirective& aDirective, bool afZeros, qvFormatNumber* aNumber) {
   uint32 theWidth = static_cast<uint32>(aDirective.mWidth);
   uint32 theLength = aNumber->mPrefixLength + aNumber->mZerosBefore + aNumber->mDigitCount +
+                     aNumber->mfPoint + aNumber->mZerosBehindPoint + aNumber->mFractionCount +
                      aNumber->mZerosAfter + aNumber->mSuffixLength;
   if (theWidth <= theLength) {
     return;
@@ -138,7 +139,7 @@ static void qvFormat_S_SetUnsigned(const qvFormatDirective& aDirective, uint64 a
       }
       break;
     default:
-      theFirst = qvFormat_S_WriteDecimal(anEnd, aValue);
+      theFirst = qvFormatNumber_WriteDecimal(anEnd, aValue);
       break;
   }
   qvFormat_S_SetDigits(theFirst, anEnd, aNumber);
@@ -154,7 +155,7 @@ static void qvFormat_S_SetSigned(const qvFormatDirective& aDirective, uint64 aVa
   } else if ((aDirective.mFlags & kqvFormatFlag_Space) != 0) {
     aNumber->mPrefix[aNumber->mPrefixLength++] = ' ';
   }
-  qvFormat_S_SetDigits(qvFormat_S_WriteDecimal(anEnd, theNegative ? 0 - aValue : aValue), anEnd, aNumber);
+  qvFormat_S_SetDigits(qvFormatNumber_WriteDecimal(anEnd, theNegative ? 0 - aValue : aValue), anEnd, aNumber);
 }
 
 void qvFormatNumber_SetInteger(const qvFormatDirective& aDirective, uint64 aValue, char* aBuffer,

@@ -1,28 +1,31 @@
 /* qvFormatNumber_p.h - numbers as text: everything but the digits that a huge width or precision asks for.
  *
- *   blanks | prefix | zeros | digits | more zeros | suffix | blanks
+ *   blanks | prefix | zeros | digits | point | zeros | fraction | zeros | suffix | blanks
  *
  * The parts are ASCII and the same for both character widths; runs of blanks and zeros are only counted, so
  * that "%.2147483647d" costs what is stored of it and no more. */
 #ifndef QVRATOOLS_FORMAT_QVFORMATNUMBER_P_H
 #define QVRATOOLS_FORMAT_QVFORMATNUMBER_P_H
 
-#include <float.h>
-
 #include "qvraTools/format/qvFormatArguments_p.h"
+#include "qvraTools/format/qvFormatDigits_p.h"
 #include "qvraTools/format/qvFormatDirective_p.h"
 
 struct qvFormatNumber {
   const char* mDigits;
-  const char* mSuffix;  // an exponent
+  const char* mFraction;
   uint32 mDigitCount;
-  uint32 mSuffixLength;
+  uint32 mFractionCount;
   uint32 mBlanksBefore;
   uint32 mZerosBefore;
+  uint32 mZerosBehindPoint;
   uint32 mZerosAfter;
   uint32 mBlanksAfter;
   uint32 mPrefixLength;
+  uint32 mSuffixLength;
+  bool mfPoint;
   char mPrefix[4];  // sign and "0x"
+  char mSuffix[8];  // an exponent, at the end of the field: up to "p-16445"
 };
 
 // The digits of every base up to 36.
@@ -32,20 +35,8 @@ extern const char kqvFormat_UpperDigits[];
 // 00 to 99: two digits a division.
 extern const char kqvFormat_Pairs[];
 
-// Characters that the digits of a number need at most; the caller provides them.
+// Characters that the digits of an integer need at most; the caller provides them.
 #define kqvFormatInteger_BufferSize 24 /* 22 octal digits */
-// "%f": 309 digits, point, 1074 digits; spare for moving the point.
-#define kqvFormatDouble_BufferSize 1536
-#if LDBL_MANT_DIG == 64
-#define kqvFormatLongDouble_BufferSize 16640 /* "%f": "0.", 4931 zeros and 11514 digits of the smallest */
-#elif LDBL_MANT_DIG == DBL_MANT_DIG
-#define kqvFormatLongDouble_BufferSize kqvFormatDouble_BufferSize
-#else
-#error "long double is neither a double nor of 80 bits: its digits have to be made in another way"
-#endif
-
-// "%g" moves the digits of a small number to the left, over the room of its "0.000": this much is left free.
-#define kqvFormatReal_FrontRoom 8
 
 // Pads the number to the directive's width: with zeros behind the prefix if afZeros, else with blanks.
 void qvFormatNumber_Pad(const qvFormatDirective& aDirective, bool afZeros, qvFormatNumber* aNumber);
@@ -56,15 +47,13 @@ void qvFormatNumber_SetInteger(const qvFormatDirective& aDirective, uint64 aValu
 // p, not null.
 void qvFormatNumber_SetPointer(const qvFormatDirective& aDirective, const void* aValue, char* aBuffer,
                                qvFormatNumber* aNumber);
-// The two widths of e E f F g G a A; aBuffer has the size above.
-void qvFormatNumber_SetDouble(const qvFormatDirective& aDirective, double aValue, char* aBuffer,
-                              qvFormatNumber* aNumber);
-void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long double aValue, char* aBuffer,
-                                  qvFormatNumber* aNumber);
+// The two widths of e E f F g G a A.
+void qvFormatNumber_SetDouble(const qvFormatDirective& aDirective, double aValue,
+                              const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber);
+void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long double aValue,
+                                  const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber);
 
-// Decimal text of a finite long double that is not negative, as "%.{n}f" or "%.{n}e" would have it, but with
-// no more digits behind the point than the value itself has; returns the end. *aPrecision is the number of
-// digits behind the point, wanted and then given.
-char* qvFormatLongDouble_ToChars(char* aBuffer, long double aValue, bool afScientific, int* aPrecision);
+// Writes the decimal digits of a value so that they end at anEnd, none for 0; returns the first.
+char* qvFormatNumber_WriteDecimal(char* anEnd, uint64 aValue);
 
 #endif

@@ -1,26 +1,15 @@
 // Floating-point numbers as text, decimal and hexadecimal.
+#include <limits.h>
+#include <stdlib.h>
 #include <string.h>
 
-#include <charconv>
 #include <cmath>
 
 #include "qvraTools/format/qvFormatNumber_p.h"
 
-// A double has at most this many digits behind the point, and this many in all; any more are zeros.
-#define kqvFormatDouble_MaxFraction   1074
-#define kqvFormatDouble_MaxScientific 766 /* behind the point of "d.ddde+dd" */
-
 #define kqvFormatReal_DefaultPrecision 6
 #define kqvFormatHex_Digits            15 /* behind the point: a hexadecimal mantissa is 4 bits and 60 */
 #define kqvFormatHex_FractionBits      60
-
-// A finite number without its sign. Either width gives the same text for the same value, so what is laid out
-// here needs to know the width in two places only: where the digits are made.
-struct qvFormatReal {
-  bool mfLong;
-  double mDouble;
-  long double mLongDouble;
-};
 
 static bool qvFormat_S_HasFlag(const qvFormatDirective& aDirective, uint8 aFlag) {
   return (aDirective.mFlags & aFlag) != 0;
@@ -28,188 +17,111 @@ static bool qvFormat_S_HasFlag(const qvFormatDirective& aDirective, uint8 aFlag)
 
 static bool qvFormat_S_IsUpper(const qvFormatDirective& aDirective) { return aDirective.mConversion < 'a'; }
 
-// The digits as "%.{n}f" or "%.{n}e" would have them; returns the end. *aPrecision is the number of digits
-// behind the point, wanted and then given: those that are left out are zeros.
-static char* qvFormat_S_ToChars(char* aBuffer, const qvFormatReal& aReal, bool afScientific,
-                                int* aPrecision) {
-#if LDBL_MANT_DIG != DBL_MANT_DIG
-  if (aReal.mfLong) {
-    return qvFormatLongDouble_ToChars(aBuffer, aReal.mLongDouble, afScientific, aPrecision);
-  }
-#endif
-  int theMax = afScientific ? kqvFormatDouble_MaxScientific : kqvFormatDouble_MaxFraction;
-  if (*aPrecision > theMax) {
-    *aPrecision = theMax;
-  }
-  std::chars_format theFormat = afScientific ? std::chars_format::scientific : std::chars_format::fixed;
-  return std::to_chars(aBuffer, aBuffer + kqvFormatDouble_BufferSize - kqvFormatReal_FrontRoom, aReal.mDouble,
-                       theFormat, *aPrecision)
-      .ptr;
+// Takes the last aPrecision of the digits behind the point; those that are not there are zeros.
+static void qvFormat_S_SetFraction(const qvFormatDirective& aDirective, const char* aDigits, int aCount,
+                                   int aPrecision, qvFormatNumber* aNumber) {
+  aNumber->mfPoint = aPrecision > 0 || qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative);
+  aNumber->mFraction = aDigits;
+  aNumber->mFractionCount = static_cast<uint32>(aCount);
+  aNumber->mZerosAfter = static_cast<uint32>(aPrecision - aCount) - aNumber->mZerosBehindPoint;
 }
 
-// f F
-static void qvFormat_S_SetFixed(const qvFormatDirective& aDirective, const qvFormatReal& aReal,
-                                int aPrecision, char* aBuffer, qvFormatNumber* aNumber) {
-  int theGiven = aPrecision;
-  char* theEnd = qvFormat_S_ToChars(aBuffer, aReal, false, &theGiven);
-  if (theGiven == 0 && (aPrecision > 0 || qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative))) {
-    *theEnd++ = '.';
-  }
-  aNumber->mDigits = aBuffer;
-  aNumber->mDigitCount = static_cast<uint32>(theEnd - aBuffer);
-  aNumber->mZerosAfter = static_cast<uint32>(aPrecision - theGiven);
-}
-
-// The "e" of a text that ends in "e+dd" or more digits.
-static char* qvFormat_S_FindExponent(char* anEnd) {
-  do {
-    --anEnd;
-  } while (*anEnd != 'e');
-  return anEnd;
-}
-
-// Drops the zeros at the end of a fraction, and then a point without one.
-static char* qvFormat_S_StripZeros(char* anEnd) {
-  while (anEnd[-1] == '0') {
-    --anEnd;
-  }
-  return anEnd[-1] == '.' ? anEnd - 1 : anEnd;
-}
-
-// Digits, point and exponent of e E, and of g G where they look like that. aMantissaEnd is the end of what is
-// kept of the mantissa, anExponent the text "e+dd" behind it.
-static void qvFormat_S_SetMantissaAndExponent(const qvFormatDirective& aDirective, char* aStart,
-                                              const char* aMantissaEnd, char* anExponent, const char* anEnd,
-                                              qvFormatNumber* aNumber) {
-  if (qvFormat_S_IsUpper(aDirective)) {
-    *anExponent = 'E';
-  }
-  aNumber->mDigits = aStart;
-  aNumber->mDigitCount = static_cast<uint32>(aMantissaEnd - aStart);
-  aNumber->mSuffix = anExponent;
-  aNumber->mSuffixLength = static_cast<uint32>(anEnd - anExponent);
-}
-
-// Puts a point behind the single digit "d" of "de+dd". The exponent moves by one.
-static void qvFormat_S_InsertPoint(char* aStart, char** anEnd) {
-  memmove(aStart + 2, aStart + 1, static_cast<size_t>(*anEnd - aStart - 1));
-  aStart[1] = '.';
-  ++*anEnd;
-}
-
-// e E
-static void qvFormat_S_SetScientific(const qvFormatDirective& aDirective, const qvFormatReal& aReal,
-                                     int aPrecision, char* aBuffer, qvFormatNumber* aNumber) {
-  int theGiven = aPrecision;
-  char* theEnd = qvFormat_S_ToChars(aBuffer, aReal, true, &theGiven);
-  if (theGiven == 0 && (aPrecision > 0 || qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative))) {
-    qvFormat_S_InsertPoint(aBuffer, &theEnd);
-  }
-  char* theExponent = qvFormat_S_FindExponent(theEnd);
-  qvFormat_S_SetMantissaAndExponent(aDirective, aBuffer, theExponent, theExponent, theEnd, aNumber);
-  aNumber->mZerosAfter = static_cast<uint32>(aPrecision - theGiven);
-}
-
-// The number behind the "e".
-static int qvFormat_S_ExponentValue(const char* anExponent, const char* anEnd) {
-  int theValue = 0;
-  for (const char* thePtr = anExponent + 2; thePtr < anEnd; ++thePtr) {
-    theValue = theValue * 10 + (*thePtr - '0');
-  }
-  return anExponent[1] == '-' ? -theValue : theValue;
-}
-
-// Makes "123.45" or "0.0012345" of the mantissa "d.ddd" by moving the point. There is always a point
-// afterwards, and room for it; for a small number the start moves to the left.
-static void qvFormat_S_MovePoint(int anExponent, char** aStart, char** anEnd) {
-  char* theStart = *aStart;
-  if (*anEnd == theStart + 1) {
-    *(*anEnd)++ = '.';
-  }
-  if (anExponent >= 0) {
-    memmove(theStart + 1, theStart + 2, static_cast<size_t>(anExponent));
-    theStart[anExponent + 1] = '.';
-    return;
-  }
-  // The digit goes where the point was; in front of it stand "0." and the zeros that the exponent means.
-  theStart[1] = theStart[0];
-  theStart += anExponent;
-  memset(theStart, '0', static_cast<size_t>(1 - anExponent));
-  theStart[1] = '.';
-  *aStart = theStart;
-}
-
-// g G: the digits of "%e", then one of the two styles.
-static void qvFormat_S_SetGeneral(const qvFormatDirective& aDirective, const qvFormatReal& aReal,
-                                  int aPrecision, char* aBuffer, qvFormatNumber* aNumber) {
-  bool theKeepZeros = qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative);
-  int theDigits = aPrecision == 0 ? 1 : aPrecision;
-  int theGiven = theDigits - 1;
-  char* theStart = aBuffer + kqvFormatReal_FrontRoom;
-  char* theEnd = qvFormat_S_ToChars(theStart, aReal, true, &theGiven);
-  if (theGiven == 0 && theKeepZeros) {
-    qvFormat_S_InsertPoint(theStart, &theEnd);
-  }
-  char* theExponent = qvFormat_S_FindExponent(theEnd);
-  int theValue = qvFormat_S_ExponentValue(theExponent, theEnd);
-  char* theMantissaEnd = theExponent;
-  if (theValue < -4 || theValue >= theDigits) {
-    if (!theKeepZeros && theGiven > 0) {
-      theMantissaEnd = qvFormat_S_StripZeros(theMantissaEnd);
-    }
-    qvFormat_S_SetMantissaAndExponent(aDirective, theStart, theMantissaEnd, theExponent, theEnd, aNumber);
+// "123.45" with so many digits behind the point.
+static void qvFormat_S_SetFixed(const qvFormatDirective& aDirective, const qvFormatDigits& aDigits,
+                                int aPrecision, qvFormatNumber* aNumber) {
+  int theWhole = aDigits.mPointAt;
+  if (theWhole > 0) {
+    aNumber->mDigits = aDigits.mStart;
+    aNumber->mDigitCount = static_cast<uint32>(theWhole);
   } else {
-    qvFormat_S_MovePoint(theValue, &theStart, &theMantissaEnd);
-    if (!theKeepZeros) {
-      theMantissaEnd = qvFormat_S_StripZeros(theMantissaEnd);
-    }
-    aNumber->mDigits = theStart;
-    aNumber->mDigitCount = static_cast<uint32>(theMantissaEnd - theStart);
+    aNumber->mDigits = "0";
+    aNumber->mDigitCount = 1;
+    aNumber->mZerosBehindPoint = aDigits.mCount > 0 ? static_cast<uint32>(-theWhole) : 0;
+    theWhole = 0;
   }
-  if (theKeepZeros) {
-    aNumber->mZerosAfter = static_cast<uint32>(theDigits - 1 - theGiven);
+  qvFormat_S_SetFraction(aDirective, aDigits.mStart + theWhole, aDigits.mCount - theWhole, aPrecision,
+                         aNumber);
+}
+
+// An exponent: a letter, the sign and at least so many digits.
+static void qvFormat_S_SetExponent(char aLetter, int anExponent, uint32 aLeast, qvFormatNumber* aNumber) {
+  char* theEnd = aNumber->mSuffix + sizeof aNumber->mSuffix;
+  char* theStart = qvFormatNumber_WriteDecimal(theEnd, static_cast<uint32>(abs(anExponent)));
+  while (theEnd - theStart < static_cast<ptrdiff_t>(aLeast)) {
+    *--theStart = '0';
+  }
+  *--theStart = anExponent < 0 ? '-' : '+';
+  *--theStart = aLetter;
+  aNumber->mSuffixLength = static_cast<uint32>(theEnd - theStart);
+}
+
+// "1.2345e+02" with so many digits behind the point.
+static void qvFormat_S_SetScientific(const qvFormatDirective& aDirective, const qvFormatDigits& aDigits,
+                                     int aPrecision, qvFormatNumber* aNumber) {
+  aNumber->mDigits = aDigits.mStart;
+  aNumber->mDigitCount = 1;
+  qvFormat_S_SetFraction(aDirective, aDigits.mStart + 1, aDigits.mCount - 1, aPrecision, aNumber);
+  qvFormat_S_SetExponent(qvFormat_S_IsUpper(aDirective) ? 'E' : 'e', aDigits.mPointAt - 1, 2, aNumber);
+}
+
+// g G: one of the two styles, for so many digits in all; zeros at the end of the fraction only if asked for.
+static void qvFormat_S_SetGeneral(const qvFormatDirective& aDirective, qvFormatDigits aDigits, int aCount,
+                                  qvFormatNumber* aNumber) {
+  bool theFixed = aDigits.mPointAt > -4 && aDigits.mPointAt <= aCount;
+  int theWhole = theFixed ? aDigits.mPointAt : 1;
+  int theKept = aCount;
+  if (!qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative)) {
+    int theLeast = theWhole > 0 ? theWhole : 1;
+    while (aDigits.mCount > theLeast && aDigits.mStart[aDigits.mCount - 1] == '0') {
+      --aDigits.mCount;
+    }
+    theKept = aDigits.mCount;
+  }
+  if (theFixed) {
+    qvFormat_S_SetFixed(aDirective, aDigits, theKept - theWhole, aNumber);
+  } else {
+    qvFormat_S_SetScientific(aDirective, aDigits, theKept - theWhole, aNumber);
   }
 }
 
+// e E f F g G
+static void qvFormat_S_SetDecimal(const qvFormatDirective& aDirective, const qvFormatBinary& aReal,
+                                  const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
+  int thePrecision = aDirective.mPrecision < 0 ? kqvFormatReal_DefaultPrecision : aDirective.mPrecision;
+  switch (aDirective.mConversion) {
+    case 'f':
+    case 'F':
+      qvFormat_S_SetFixed(aDirective, qvFormatDigits_Fixed(aReal, thePrecision, aPlace), thePrecision,
+                          aNumber);
+      break;
+    case 'e':
+    case 'E': {
+      // One digit more than the precision, and no int holds one more than the largest.
+      int theCount = thePrecision < INT_MAX ? thePrecision + 1 : thePrecision;
+      qvFormat_S_SetScientific(aDirective, qvFormatDigits_Leading(aReal, theCount, aPlace), thePrecision,
+                               aNumber);
+      break;
+    }
+    default: {
+      int theCount = thePrecision > 0 ? thePrecision : 1;
+      qvFormat_S_SetGeneral(aDirective, qvFormatDigits_Leading(aReal, theCount, aPlace), theCount, aNumber);
+      break;
+    }
+  }
+}
 // A finite number as mantissa / 2^60 * 2^exponent. The top four bits of the mantissa are the digit in front
 // of the point: 1 (0 when subnormal) for a double; 8 to f for a long double of 80 bits, whose leading bit is
 // kept in memory. The platform's "%a" shows the same.
-struct qvFormatHexParts {
-  uint64 mMantissa;
-  int mExponent;
-};
-
-static qvFormatHexParts qvFormat_S_SplitDouble(double aValue) {
-  uint64 theBits = 0;
-  memcpy(&theBits, &aValue, sizeof theBits);
-  uint64 theFraction = theBits & ((static_cast<uint64>(1) << 52) - 1);
-  int theExponent = static_cast<int>(theBits >> 52 & 0x7ff);
-  if (theExponent == 0) {
-    return {theFraction << 8, theFraction == 0 ? 0 : -1022};
+static qvFormatBinary qvFormat_S_HexParts(const qvFormatBinary& aReal, bool afLong) {
+  if (aReal.mMantissa == 0) {
+    return {0, 0};
   }
-  return {(theFraction | static_cast<uint64>(1) << 52) << 8, theExponent - 1023};
-}
-
-static qvFormatHexParts qvFormat_S_Split(const qvFormatReal& aReal) {
-#if LDBL_MANT_DIG == 64
-  if (aReal.mfLong) {
-    uint64 theMantissa = 0;
-    uint16 theExponent = 0;
-    memcpy(&theMantissa, &aReal.mLongDouble, sizeof theMantissa);
-    memcpy(&theExponent, reinterpret_cast<const char*>(&aReal.mLongDouble) + sizeof theMantissa,
-           sizeof theExponent);
-    if (theMantissa == 0) {
-      return {0, 0};
-    }
-    theExponent &= 0x7fff;
-    return {theMantissa, (theExponent == 0 ? -16382 : theExponent - 16383) - 3};
-  }
-#endif
-  return qvFormat_S_SplitDouble(aReal.mDouble);
+  int theShift = afLong ? 0 : 8;
+  return {aReal.mMantissa << theShift, aReal.mExponent + kqvFormatHex_FractionBits - theShift};
 }
 
 // Rounds to so many digits behind the point, a tie to the even digit.
-static void qvFormat_S_RoundHex(int aPrecision, qvFormatHexParts* aParts) {
+static void qvFormat_S_RoundHex(int aPrecision, qvFormatBinary* aParts) {
   int theDropped = kqvFormatHex_FractionBits - 4 * aPrecision;
   uint64 theUnit = static_cast<uint64>(1) << theDropped;
   uint64 theRest = aParts->mMantissa & (theUnit - 1);
@@ -226,62 +138,37 @@ static void qvFormat_S_RoundHex(int aPrecision, qvFormatHexParts* aParts) {
   }
 }
 
-// "p+1": at least one digit. Returns the end.
-static char* qvFormat_S_WriteBinaryExponent(char* aStart, char aP, int anExponent) {
-  aStart[0] = aP;
-  aStart[1] = anExponent < 0 ? '-' : '+';
-  return std::to_chars(aStart + 2, aStart + 8, anExponent < 0 ? -anExponent : anExponent).ptr;
-}
-
 // a A
-static void qvFormat_S_SetHex(const qvFormatDirective& aDirective, const qvFormatReal& aReal, char* aBuffer,
-                              qvFormatNumber* aNumber) {
+static void qvFormat_S_SetHex(const qvFormatDirective& aDirective, qvFormatBinary aParts,
+                              const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
   bool theUpper = qvFormat_S_IsUpper(aDirective);
   const char* theDigits = theUpper ? kqvFormat_UpperDigits : kqvFormat_LowerDigits;
-  qvFormatHexParts theParts = qvFormat_S_Split(aReal);
   int thePrecision = aDirective.mPrecision;
   if (thePrecision >= 0 && thePrecision < kqvFormatHex_Digits) {
-    qvFormat_S_RoundHex(thePrecision, &theParts);
+    qvFormat_S_RoundHex(thePrecision, &aParts);
   }
-  char* theEnd = aBuffer;
-  *theEnd++ = theDigits[theParts.mMantissa >> kqvFormatHex_FractionBits];
-  uint64 theFraction = theParts.mMantissa << 4;
-  if (theFraction != 0 || thePrecision > 0 || qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative)) {
-    *theEnd++ = '.';
-  }
-  int theGiven = 0;
-  for (; theFraction != 0; theFraction <<= 4, ++theGiven) {
+  char* theStart = aPlace.mEnd - 1 - kqvFormatHex_Digits;
+  char* theEnd = theStart;
+  *theEnd++ = theDigits[aParts.mMantissa >> kqvFormatHex_FractionBits];
+  for (uint64 theFraction = aParts.mMantissa << 4; theFraction != 0; theFraction <<= 4) {
     *theEnd++ = theDigits[theFraction >> kqvFormatHex_FractionBits];
   }
+  int theGiven = static_cast<int>(theEnd - theStart) - 1;
   aNumber->mPrefix[aNumber->mPrefixLength++] = '0';
   aNumber->mPrefix[aNumber->mPrefixLength++] = theUpper ? 'X' : 'x';
-  aNumber->mDigits = aBuffer;
-  aNumber->mDigitCount = static_cast<uint32>(theEnd - aBuffer);
-  aNumber->mZerosAfter = thePrecision > theGiven ? static_cast<uint32>(thePrecision - theGiven) : 0;
-  char* theSuffixEnd = qvFormat_S_WriteBinaryExponent(theEnd, theUpper ? 'P' : 'p', theParts.mExponent);
-  aNumber->mSuffix = theEnd;
-  aNumber->mSuffixLength = static_cast<uint32>(theSuffixEnd - theEnd);
+  aNumber->mDigits = theStart;
+  aNumber->mDigitCount = 1;
+  qvFormat_S_SetFraction(aDirective, theStart + 1, theGiven,
+                         thePrecision > theGiven ? thePrecision : theGiven, aNumber);
+  qvFormat_S_SetExponent(theUpper ? 'P' : 'p', aParts.mExponent, 1, aNumber);
 }
 
-static void qvFormat_S_SetFinite(const qvFormatDirective& aDirective, const qvFormatReal& aReal,
-                                 char* aBuffer, qvFormatNumber* aNumber) {
-  int thePrecision = aDirective.mPrecision < 0 ? kqvFormatReal_DefaultPrecision : aDirective.mPrecision;
-  switch (aDirective.mConversion) {
-    case 'f':
-    case 'F':
-      qvFormat_S_SetFixed(aDirective, aReal, thePrecision, aBuffer, aNumber);
-      break;
-    case 'e':
-    case 'E':
-      qvFormat_S_SetScientific(aDirective, aReal, thePrecision, aBuffer, aNumber);
-      break;
-    case 'g':
-    case 'G':
-      qvFormat_S_SetGeneral(aDirective, aReal, thePrecision, aBuffer, aNumber);
-      break;
-    default:
-      qvFormat_S_SetHex(aDirective, aReal, aBuffer, aNumber);
-      break;
+static void qvFormat_S_SetFinite(const qvFormatDirective& aDirective, const qvFormatBinary& aReal,
+                                 bool afLong, const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
+  if (aDirective.mConversion == 'a' || aDirective.mConversion == 'A') {
+    qvFormat_S_SetHex(aDirective, qvFormat_S_HexParts(aReal, afLong), aPlace, aNumber);
+  } else {
+    qvFormat_S_SetDecimal(aDirective, aReal, aPlace, aNumber);
   }
   qvFormatNumber_Pad(aDirective, qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Zero), aNumber);
 }
@@ -305,37 +192,62 @@ static void qvFormat_S_SetSign(const qvFormatDirective& aDirective, bool afNegat
   }
 }
 
-void qvFormatNumber_SetDouble(const qvFormatDirective& aDirective, double aValue, char* aBuffer,
-                              qvFormatNumber* aNumber) {
+// What stands in front of a number, and all of one that is not finite; false when its digits are still to
+// come.
+static bool qvFormat_S_SetSpecial(const qvFormatDirective& aDirective, bool afNaN, bool afInfinite,
+                                  bool afNegative, qvFormatNumber* aNumber) {
   *aNumber = qvFormatNumber();
-  if (std::isnan(aValue)) {
+  if (afNaN) {
     qvFormat_S_SetWord(aDirective, "nan", "NAN", aNumber);
-    return;
+    return true;
   }
-  qvFormat_S_SetSign(aDirective, std::signbit(aValue), aNumber);
-  if (std::isinf(aValue)) {
+  qvFormat_S_SetSign(aDirective, afNegative, aNumber);
+  if (afInfinite) {
     qvFormat_S_SetWord(aDirective, "inf", "INF", aNumber);
-    return;
   }
-  qvFormat_S_SetFinite(aDirective, {false, std::fabs(aValue), 0.0L}, aBuffer, aNumber);
+  return afInfinite;
 }
 
-void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long double aValue, char* aBuffer,
-                                  qvFormatNumber* aNumber) {
-#if LDBL_MANT_DIG == DBL_MANT_DIG
-  qvFormatNumber_SetDouble(aDirective, static_cast<double>(aValue), aBuffer, aNumber);
-#else
-  // The special values and every value that a double holds too need nothing of their own, except "%a", which
-  // shows the two widths differently.
-  double theDouble = static_cast<double>(aValue);
-  bool theHex = aDirective.mConversion == 'a' || aDirective.mConversion == 'A';
-  bool theFinite = std::isfinite(aValue);
-  if (!theFinite || (!theHex && static_cast<long double>(theDouble) == aValue)) {
-    qvFormatNumber_SetDouble(aDirective, theDouble, aBuffer, aNumber);
+void qvFormatNumber_SetDouble(const qvFormatDirective& aDirective, double aValue,
+                              const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
+  if (qvFormat_S_SetSpecial(aDirective, std::isnan(aValue), std::isinf(aValue), std::signbit(aValue),
+                            aNumber)) {
     return;
   }
-  *aNumber = qvFormatNumber();
-  qvFormat_S_SetSign(aDirective, std::signbit(aValue), aNumber);
-  qvFormat_S_SetFinite(aDirective, {true, 0.0, std::fabs(aValue)}, aBuffer, aNumber);
-#endif
+  uint64 theBits = 0;
+  memcpy(&theBits, &aValue, sizeof theBits);
+  uint64 theLeading = static_cast<uint64>(1) << 52;
+  int theExponent = static_cast<int>(theBits >> 52 & 0x7ff);
+  qvFormatBinary theReal = {theBits & (theLeading - 1), -1074};
+  if (theExponent > 0) {
+    theReal = {theReal.mMantissa | theLeading, theExponent - 1075};
+  }
+  qvFormat_S_SetFinite(aDirective, theReal, false, aPlace, aNumber);
 }
+
+#if LDBL_MANT_DIG == DBL_MANT_DIG
+
+void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long double aValue,
+                                  const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
+  qvFormatNumber_SetDouble(aDirective, static_cast<double>(aValue), aPlace, aNumber);
+}
+
+#else
+
+void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long double aValue,
+                                  const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
+  if (qvFormat_S_SetSpecial(aDirective, std::isnan(aValue), std::isinf(aValue), std::signbit(aValue),
+                            aNumber)) {
+    return;
+  }
+  uint64 theMantissa = 0;
+  uint16 theSignAndExponent = 0;
+  memcpy(&theMantissa, &aValue, sizeof theMantissa);
+  memcpy(&theSignAndExponent, reinterpret_cast<const char*>(&aValue) + sizeof theMantissa,
+         sizeof theSignAndExponent);
+  int theExponent = theSignAndExponent & 0x7fff;
+  qvFormat_S_SetFinite(aDirective, {theMantissa, (theExponent == 0 ? 1 : theExponent) - 16383 - 63}, true,
+                       aPlace, aNumber);
+}
+
+#endif

@@ -1,0 +1,84 @@
+// Digits that are hard to make: ties, neighbours of ties and of powers of ten, very many digits.
+#include <gtest/gtest.h>
+
+#include "support/FormatText.h"
+#include "support/HardNumbers.h"
+
+TEST(qvFormatDigits, ATieOfBinaryDigitsGoesToTheEvenDigit) {
+  ExpectFormatted("0 2 2 4", "%.0f %.0f %.0f %.0f", 0.5, 1.5, 2.5, 3.5);
+  ExpectFormatted("0.12 0.38 0.62 0.88", "%.2f %.2f %.2f %.2f", 0.125, 0.375, 0.625, 0.875);
+  ExpectFormatted("1.2e-01 3.8e-01", "%.1e %.1e", 0.125, 0.375);
+  // 2^-27 has 27 digits behind the point, the last of which is the tie.
+  ExpectFormatted("0.00000000745058059692382812", "%.26f", 7.450580596923828125e-9);
+  ExpectFormatted("0.00000002235174179077148438", "%.26f", 2.2351741790771484375e-8);
+}
+
+TEST(qvFormatDigits, ATieOfDigitsInFrontOfThePointGoesToTheEvenDigit) {
+  ExpectFormatted("2e+01 4e+01", "%.0e %.0e", 25.0, 35.0);
+  ExpectFormatted("1.234e+04 1.236e+04", "%.3e %.3e", 12345.0, 12355.0);
+  ExpectFormatted("1.23456e+06 1.23458e+06", "%g %g", 1234565.0, 1234575.0);
+  // A double holds these exactly, but not the power of ten they are divided by.
+  ExpectFormatted("2e+21 4e+21", "%.0e %.0e", 25e20, 35e20);
+}
+
+TEST(qvFormatDigits, TheNeighboursOfATieAreRoundedToTheNearest) {
+  ExpectFormatted("0 1", "%.0f %.0f", 0x1.fffffffffffffp-2, 0x1.0000000000001p-1);
+  ExpectFormatted("2 3", "%.0f %.0f", 0x1.3ffffffffffffp+1, 0x1.4000000000001p+1);
+  ExpectFormatted("1.234e+04 1.235e+04", "%.3e %.3e", 0x1.81c7fffffffffp+13, 0x1.81c8000000001p+13);
+}
+
+TEST(qvFormatDigits, RoundingUpNinesMakesADigitMoreInFront) {
+  ExpectFormatted("10.0 100 1000.00", "%.1f %.0f %.2f", 9.96, 99.5, 999.996);
+  ExpectFormatted("1.0e+01 1e+03 1.000000e+08", "%.1e %.0e %e", 9.96, 999.0, 99999999.96);
+  ExpectFormatted("10 1e+06 0.0001", "%.2g %g %.3g", 9.96, 999999.5, 9.9996e-5);
+  ExpectFormatted("10.0000 1.00000e+06 0.000100", "%#g %#g %#.3g", 9.9999999, 999999.5, 9.9996e-5);
+  ExpectFormatted("0.1 1 0", "%.1f %.0f %.0f", 0.06, 0.6, 0.06);
+}
+
+TEST(qvFormatDigits, PowersOfTenAndTheirNeighboursHaveTheRightExponent) {
+  ExpectFormatted("1e+15 1e+16 1e+22", "%.15g %.15g %.15g", 1e15, 1e16, 1e22);
+  ExpectFormatted("9.9999999999999992e+22 9.9999999999999991611392e+22", "%.17g %.22e", 1e23, 1e23);
+  ExpectFormatted("1.0000000000000000e+22 9.9999999999999979e+21", "%.16e %.16e", 1e22,
+                  0x1.0f0cf064dd591p+73);
+  ExpectFormatted("1.0000000000000001e-05 9.9999999999999991e-309", "%.16e %.16e", 1e-5, 1e-308);
+  ExpectFormatted("999999999999999.88 1000000000000000.00", "%.2f %.2f", 999999999999999.875, 1e15);
+}
+
+TEST(qvFormatDigits, TheSmallestAndTheLargestNumbersAreExact) {
+  ExpectFormatted("4.9406564584124654e-324 5e-324", "%.16e %.0e", 5e-324, 5e-324);
+  ExpectFormatted("4.940656458412465442e-324", "%.18e", 5e-324);
+  ExpectFormatted("2.2250738585072009e-308 2.2250738585072014e-308", "%.17g %.17g", 0x0.fffffffffffffp-1022,
+                  0x1p-1022);
+  ExpectFormatted("1.7976931348623157e+308 1.79769313486231570815e+308", "%.17g %.20e",
+                  0x1.fffffffffffffp+1023, 0x1.fffffffffffffp+1023);
+  std::string theLargest = NarrowText("%f", 0x1.fffffffffffffp+1023);
+  EXPECT_EQ("179769313486231570814527423731704356798070567525844996598917476803157260780028538760589558632",
+            theLargest.substr(0, 93));
+  EXPECT_EQ("858368.000000", theLargest.substr(theLargest.size() - 13));
+}
+
+TEST(qvFormatDigits, AllDigitsOfASmallNumberCanBeAskedFor) {
+  // 2^-1074 ends at the 1074th digit behind the point, as 5^1074 does.
+  std::string theText = NarrowText("%.1080f", 5e-324);
+  EXPECT_EQ(std::string("0.") + std::string(323, '0') + "494065645841246544176568792868",
+            theText.substr(0, 355));
+  EXPECT_EQ("65625000000", theText.substr(theText.size() - 11));
+}
+
+TEST(qvFormatDigits, ANumberFarBelowTheLastDigitIsZero) {
+  ExpectFormatted("0 0.00 0.000000", "%.0f %.2f %f", 1e-300, 0.0049, 4.9e-7);
+  ExpectFormatted("0.01 0.000001", "%.2f %f", 0.0051, 5.1e-7);
+  ExpectFormatted("0.00000000000000000000000000000000000000000000000000", "%.50f", 5e-324);
+}
+
+TEST(qvFormatDigits, HardNumbersHaveTheDigitsOfTheLanguagesOwnConversion) {
+  HardNumbers theNumbers(1);
+  for (int i = 0; i < 30000; ++i) {
+    const HardNumber theNumber = theNumbers.Next();
+    ASSERT_EQ("", WrongDigits(theNumber));
+    if (i % 8 == 0) {
+      ASSERT_EQ("", DifferentDigits(theNumber));
+      ASSERT_EQ("", DifferentLongDigits(theNumber, static_cast<uint64_t>(i) << 53));
+    }
+  }
+}
