@@ -34,3 +34,6 @@ else()
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/packaging/qvLog.pc.in ${PROJECT_BINARY_DIR}/qvLog.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvLog.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)

@@ -67,6 +67,7 @@ qvCString::qvCString(long aValue) : qvCString() {
 
 qvCString::qvCString(const qvCharBuffer& aBuffer) : qvCString(aBuffer.c_str()) {}
 
+// A string shares its text with itself. NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 qvCString& qvCString::operator=(const qvCString& aCString) {
   qvAssert(aCString.mCStringData->IsValid());
   if (mCStringData != aCString.mCStringData) {

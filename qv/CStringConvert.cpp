@@ -62,12 +62,13 @@ size_t qvCString::PrintfV(const char* aFormat, va_list anArgs) {
   if (mCStringData->IsValid()) {
     Swap(theOld);
   }
+  const char* theFormat = aFormat != NULL ? aFormat : "";
   size_t theSize = kqvCString_PrintfSize;
   for (;;) {
     char* theBuffer = GetWriteBuf(theSize + 1);
     va_list theArgs;
     va_copy(theArgs, anArgs);
-    const int theResult = qv_vsnprintf(theBuffer, theSize + 1, aFormat != NULL ? aFormat : "", theArgs);
+    const int theResult = qv_vsnprintf(theBuffer, theSize + 1, theFormat, theArgs);
     va_end(theArgs);
     theBuffer[theSize] = '\0';
     UngetWriteBuf();

@@ -23,7 +23,7 @@
 //
 // Words that are read without the log lock are read and written with atomic operations.
 static qvMainLogger* gLogger = NULL;
-static bool _gfNeverLog = false;     // never cleared
+static bool _gfNeverLog = false;     // never cleared; NOLINT(bugprone-reserved-identifier)
 static int sfInited = 0;             // some thread initialises or has initialised
 static qvAtomic_int sInitValue = 0;  // attempts to initialise; the first one does it
 static int sfDoLog = 0;              // initialised at least once; never cleared

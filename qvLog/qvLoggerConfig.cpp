@@ -26,6 +26,7 @@ uint16 _gfDateActivate = 0;
 
 // The configuration of the process; null for a logger that has none. Opened for one read, so that every read
 // sees the file as it is; the caller deletes it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 static qvConfig* _GetConfig(uint32 anOptions) {
   if ((anOptions & qvLogger::OPT_NO_CONFIG) != 0) {
     return NULL;

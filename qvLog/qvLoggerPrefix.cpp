@@ -143,6 +143,7 @@ static size_t qvLogger_S_FormatSecond(char* aText, size_t aSize, int aSeconds) {
   if (!qvLogger_S_MakeStampKey(aSeconds, &theKey)) {
     return qvLogger_S_FormatLocalTime(aText, aSize, aSeconds);
   }
+  // The gaps between the fields are zero. NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
   if (sLength == 0 || memcmp(&theKey, &sKey, sizeof(theKey)) != 0) {
     sKey = theKey;
     sLength = qvLogger_S_FormatLocalTime(sText, sizeof(sText), aSeconds);

@@ -256,6 +256,6 @@ int qvConvert_strtoptr(const char* aStr, void** aPtr) {
   // The position that is returned counts from theStr, not from aStr.
   uint32 theAddress = 0;
   const int theResult = qvConvert_strtouint32_base(theStr, &theAddress, theBase);
-  *aPtr = (void*)(uintptr_t)theAddress;
+  *aPtr = (void*)(uintptr_t)theAddress;  // NOLINT(performance-no-int-to-ptr): what the function is for
   return theResult;
 }

@@ -8,10 +8,12 @@ set_target_properties(qvlogcat PROPERTIES
 install(TARGETS qvlogd RUNTIME DESTINATION ${CMAKE_INSTALL_SBINDIR})
 install(TARGETS qvlogcat RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-foreach(theSection 1 5 8)
-  file(GLOB thePages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.${theSection})
-  install(FILES ${thePages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${theSection})
+foreach(thePage qvlogcat.1 qvlogd.ini.5 qvlogd.8)
+  string(REGEX MATCH ".$" theSection ${thePage})
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${thePage} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${theSection})
 endforeach()
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/completions/qvlogd ${PROJECT_SOURCE_DIR}/packaging/completions/qvlogcat
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
 set(QVLOG_UNIT_DIR lib/systemd/system CACHE STRING "Where the units of the service manager go")
 configure_file(${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.service.in

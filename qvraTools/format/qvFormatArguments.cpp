@@ -66,6 +66,7 @@ void qvFormatArguments::Read(uint8 aKind, qvFormatValue* aValue) {
     case kqvFormatKind_Long:
       aValue->mInteger = static_cast<uint64>(static_cast<int64>(va_arg(mList, long)));
       break;
+    // Types of one width are different types all the same. NOLINTNEXTLINE(bugprone-branch-clone)
     case kqvFormatKind_LongLong:
       aValue->mInteger = static_cast<uint64>(va_arg(mList, long long));
       break;

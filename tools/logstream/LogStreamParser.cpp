@@ -58,6 +58,8 @@ void LogStreamParser::State::SetFault(uint64 anOffset, const char* aFault) {
 
 // --- What a line is
 
+// Calls itself once at most: a header that was given up leaves no header to give up.
+// NOLINTNEXTLINE(misc-no-recursion)
 void LogStreamParser::State::TakeLine(const Line& aLine) {
   if (mfAtStart) {
     TakeStartLine(aLine);
@@ -81,6 +83,7 @@ void LogStreamParser::State::TakeLine(const Line& aLine) {
   TakeMessageLine(aLine);
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
 void LogStreamParser::State::TakeStartLine(const Line& aLine) {
   LogStreamHeader::Result theResult = LogStreamHeader::Result_None;
   if (!aLine.mfCut) {
@@ -104,6 +107,7 @@ void LogStreamParser::State::TakeStartLine(const Line& aLine) {
 }
 
 // What looked like a header is lines like others.
+// NOLINTNEXTLINE(misc-no-recursion)
 void LogStreamParser::State::GiveUpHeader() {
   mfAtStart = false;
   std::vector<Line> theLines;
