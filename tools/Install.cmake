@@ -20,6 +20,8 @@ configure_file(${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.service.in
   ${PROJECT_BINARY_DIR}/qvlogd.service @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvlogd.service ${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.socket
   DESTINATION ${QVLOG_UNIT_DIR})
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/systemd/journal.conf DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/systemd)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/rsyslog ${PROJECT_SOURCE_DIR}/packaging/syslog-ng
+  ${PROJECT_SOURCE_DIR}/packaging/logrotate ${PROJECT_SOURCE_DIR}/packaging/lnav
   DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
