@@ -40,8 +40,13 @@ static size_t qvCString_S_BlockSize(uint32 aCapacity) { return sizeof(qvCStringD
 
 qvCString::qvCString(const char* aStr) : qvCString(aStr, LengthOf(aStr)) {}
 
-qvCString::qvCString(const char* aStr, size_t aLength) : qvCString() {
-  AssignCopy(aStr != NULL ? aLength : 0, aStr);
+qvCString::qvCString(const char* aStr, size_t aLength) {
+  if (aStr == NULL || aLength == 0) {
+    SetToEmptyText();
+    return;
+  }
+  AllocBuffer(aLength);
+  memcpy(mStringPtr, aStr, aLength);
 }
 
 qvCString::qvCString(const char* aStr, size_t aPos, size_t aLength) : qvCString() {
@@ -226,9 +231,21 @@ void qvCString::AssignCopy(size_t aLength, const char* aStr) {
   }
 }
 
+// For an ordinary text with one owner and room for so much; aPtr is its characters.
+static void qvCString_S_Append(qvCStringData* aData, char* aPtr, const char* aStr, size_t aLength) {
+  const size_t theOldLength = aData->mStringLength;
+  memmove(aPtr + theOldLength, aStr, aLength);
+  aPtr[theOldLength + aLength] = '\0';
+  aData->mStringLength = static_cast<uint32>(theOldLength + aLength);
+}
+
 void qvCString::ConcatSelf(size_t aLength, const char* aStr, size_t aMaxLength) {
   const size_t theCount = std::min(aLength, aMaxLength);
   if (theCount == 0) {
+    return;
+  }
+  if (HasRoomToAppend(theCount)) {
+    qvCString_S_Append(mCStringData, mStringPtr, aStr, theCount);
     return;
   }
   const size_t theOldLength = length();
@@ -238,6 +255,7 @@ void qvCString::ConcatSelf(size_t aLength, const char* aStr, size_t aMaxLength) 
     Swap(theOld);
     AllocBuffer(theNewStringLength);
     memcpy(mStringPtr, theOld.mStringPtr, theOldLength);
+    mCStringData->mStringLength = static_cast<uint32>(theOldLength);
   } else if (mCStringData->mAllocatedLength < theNewStringLength) {
     // A source inside the own block moves with it.
     const uintptr_t theOffset = reinterpret_cast<uintptr_t>(aStr) - reinterpret_cast<uintptr_t>(mStringPtr);
@@ -246,7 +264,5 @@ void qvCString::ConcatSelf(size_t aLength, const char* aStr, size_t aMaxLength) 
     aStr = thefInside ? mStringPtr + theOffset : aStr;
   }
   qvAssert(theNewStringLength <= mCStringData->mAllocatedLength);
-  memmove(mStringPtr + theOldLength, aStr, theCount);
-  mStringPtr[theNewStringLength] = '\0';
-  mCStringData->mStringLength = static_cast<uint32>(theNewStringLength);
+  qvCString_S_Append(mCStringData, mStringPtr, aStr, theCount);
 }

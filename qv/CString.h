@@ -206,7 +206,14 @@ class QVLOG_API qvCString {
   }
   /* One byte, '\0' included. */
   qvCString& operator+=(char aChar) {
-    ConcatSelf(1, &aChar, npos);
+    if (HasRoomToAppend(1)) {
+      char* theEnd = mStringPtr + mCStringData->mStringLength++;
+      theEnd[0] = aChar;
+      theEnd[1] = '\0';
+    } else {
+      const char theChar = aChar;  // aChar itself stays in a register, having no address
+      ConcatSelf(1, &theChar, npos);
+    }
     return *this;
   }
 
@@ -409,6 +416,12 @@ class QVLOG_API qvCString {
   /* The sum, or npos (which no block can hold) where it does not fit. */
   static size_t JoinedLength(size_t aLength, size_t anOtherLength) {
     return anOtherLength <= npos - aLength ? aLength + anOtherLength : npos;
+  }
+
+  /* True for a text of one owner whose capacity is at least aLength above its length. */
+  bool HasRoomToAppend(size_t aLength) const {
+    return mCStringData->mRefCount == 1 &&
+           aLength <= mCStringData->mAllocatedLength - mCStringData->mStringLength;
   }
 
   void GrowBlock(size_t aLength);

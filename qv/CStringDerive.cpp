@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "qv/CString.h"
-#include "qvraTools/qvConvert.h"
+#include "qvraTools/qvConvert_p.h"
 #include "qvraTools/qvMalloc.h"
 
 qvCString qvCString::AfterFirstBytes(const char* aBytes, size_t aLength) const {
@@ -91,7 +91,7 @@ qvCString qvCString::TrimTo1Space() const {
   size_t theLength = 0;
   bool thefInRun = false;
   for (size_t i = 0; i < length(); ++i) {
-    const bool thefSpace = qvConvert_isspace(static_cast<unsigned char>(mStringPtr[i])) != 0;
+    const bool thefSpace = qvConvert_S_IsSpace(mStringPtr[i]);
     if (!thefSpace) {
       theBuffer[theLength++] = mStringPtr[i];
     } else if (!thefInRun) {

@@ -2,7 +2,11 @@
 #include <algorithm>
 
 #include "qv/CString.h"
-#include "qvraTools/qvConvert.h"
+#include "qvraTools/qvConvert_p.h"
+
+// Places of a replacement that are remembered from the first pass, which counts, for the second, which
+// copies.
+#define kqvCString_PlacesToRemember 128
 
 // Copies aLength bytes (aStr may be null for none) and returns the end of the copy.
 static char* qvCString_S_Put(char* anOut, const char* aStr, size_t aLength) {
@@ -66,9 +70,13 @@ size_t qvCString::Replace(const char* anOldStr, const char* aNewStr, bool afRepl
   const size_t theOldLength = LengthOf(anOldStr);
   const size_t theNewLength = LengthOf(aNewStr);
   // Counted first, so that the result is allocated once.
+  size_t thePlaces[kqvCString_PlacesToRemember];
   size_t theCount = 0;
   size_t thePos = FindBytes(anOldStr, theOldLength, 0);
   while (thePos != npos && (afReplaceAll || theCount == 0)) {
+    if (theCount < kqvCString_PlacesToRemember) {
+      thePlaces[theCount] = thePos;
+    }
     ++theCount;
     thePos = FindBytes(anOldStr, theOldLength, thePos + theOldLength);
   }
@@ -86,7 +94,7 @@ size_t qvCString::Replace(const char* anOldStr, const char* aNewStr, bool afRepl
     char* theOut = theResult.mStringPtr;
     size_t theFrom = 0;
     for (size_t i = 0; i < theCount; ++i) {
-      thePos = FindBytes(anOldStr, theOldLength, theFrom);
+      thePos = i < kqvCString_PlacesToRemember ? thePlaces[i] : FindBytes(anOldStr, theOldLength, theFrom);
       theOut = qvCString_S_Put(theOut, mStringPtr + theFrom, thePos - theFrom);
       theOut = qvCString_S_Put(theOut, aNewStr, theNewLength);
       theFrom = thePos + theOldLength;
@@ -97,31 +105,27 @@ size_t qvCString::Replace(const char* anOldStr, const char* aNewStr, bool afRepl
   return theCount;
 }
 
-static bool qvCString_S_IsSpace(char aChar) {
-  return qvConvert_isspace(static_cast<unsigned char>(aChar)) != 0;
-}
-
-qvCString& qvCString::Trim(bool afFromRight) {
+// One new text for both ends.
+static qvCString& qvCString_S_Trim(qvCString& aString, bool afLeft, bool afRight) {
+  const char* theText = aString.c_str();
   size_t theBegin = 0;
-  size_t theEnd = length();
-  if (afFromRight) {
-    while (theEnd > 0 && qvCString_S_IsSpace(mStringPtr[theEnd - 1])) {
-      --theEnd;
-    }
-  } else {
-    while (theBegin < theEnd && qvCString_S_IsSpace(mStringPtr[theBegin])) {
-      ++theBegin;
-    }
+  size_t theEnd = aString.length();
+  while (afLeft && theBegin < theEnd && qvConvert_S_IsSpace(theText[theBegin])) {
+    ++theBegin;
   }
-  if (theEnd < length()) {
-    Truncate(theEnd);
-  } else if (theBegin > 0) {
-    Erase(0, theBegin);
+  while (afRight && theBegin < theEnd && qvConvert_S_IsSpace(theText[theEnd - 1])) {
+    --theEnd;
   }
-  return *this;
+  if (theEnd - theBegin < aString.length()) {
+    qvCString theKept(theText + theBegin, theEnd - theBegin);
+    aString.Swap(theKept);
+  }
+  return aString;
 }
 
-qvCString& qvCString::TrimLeftRight() { return Trim(false).Trim(true); }
+qvCString& qvCString::Trim(bool afFromRight) { return qvCString_S_Trim(*this, !afFromRight, afFromRight); }
+
+qvCString& qvCString::TrimLeftRight() { return qvCString_S_Trim(*this, true, true); }
 
 qvCString& qvCString::Pad(size_t aCount, char aChar, bool afRight) {
   qvCString theCopies;

@@ -1,9 +1,14 @@
 // The searches and comparisons of qvCString. All of them work on lengths, so zero bytes may stand inside.
 #include <ctype.h>
+#include <strings.h>
 
 #include <algorithm>
 
 #include "qv/CString.h"
+
+// Places where the first byte of a needle stands and that are looked at one by one, before memmem, which
+// makes a table first, takes over.
+#define kqvCString_PlacesToLookAt 8
 
 static int qvCString_S_Lower(char aChar) { return tolower(static_cast<unsigned char>(aChar)); }
 
@@ -11,8 +16,23 @@ size_t qvCString::FindBytes(const char* aBytes, size_t aLength, size_t aStartPos
   if (aLength == 0 || aStartPos >= length()) {
     return npos;
   }
-  const void* thePtr = memmem(mStringPtr + aStartPos, length() - aStartPos, aBytes, aLength);
-  return thePtr != NULL ? static_cast<size_t>(static_cast<const char*>(thePtr) - mStringPtr) : npos;
+  const char* theEnd = mStringPtr + length();
+  const char* theStart = mStringPtr + aStartPos;
+  for (int i = 0; i < kqvCString_PlacesToLookAt; ++i) {
+    const size_t theLength = static_cast<size_t>(theEnd - theStart);
+    const void* thePlace =
+        aLength <= theLength ? memchr(theStart, aBytes[0], theLength - (aLength - 1)) : NULL;
+    if (thePlace == NULL) {
+      return npos;
+    }
+    theStart = static_cast<const char*>(thePlace);
+    if (memcmp(theStart, aBytes, aLength) == 0) {
+      return static_cast<size_t>(theStart - mStringPtr);
+    }
+    ++theStart;
+  }
+  const void* thePlace = memmem(theStart, static_cast<size_t>(theEnd - theStart), aBytes, aLength);
+  return thePlace != NULL ? static_cast<size_t>(static_cast<const char*>(thePlace) - mStringPtr) : npos;
 }
 
 size_t qvCString::FindLastBytes(const char* aBytes, size_t aLength, size_t aStartPos) const {
@@ -137,14 +157,18 @@ int qvCString::Compare(const char* aStr) const {
   return strcmp(mStringPtr, aStr);
 }
 
+// strcasecmp compares tolower of every byte up to the first zero byte that both texts have. A difference that
+// it finds is one: the terminator of the shorter text is less than anything. Without one the comparison goes
+// on behind that zero byte, unless it ends one of the texts.
 static int qvCString_S_CompareNoCase(const char* aStr, size_t aLength, const char* anOtherStr,
                                      size_t anOtherLength) {
   const size_t theCommonLength = std::min(aLength, anOtherLength);
-  for (size_t i = 0; i < theCommonLength; ++i) {
-    const int theDifference = qvCString_S_Lower(aStr[i]) - qvCString_S_Lower(anOtherStr[i]);
+  for (size_t thePos = 0; thePos < theCommonLength; ++thePos) {
+    const int theDifference = strcasecmp(aStr + thePos, anOtherStr + thePos);
     if (theDifference != 0) {
       return theDifference < 0 ? -1 : 1;
     }
+    thePos += strlen(aStr + thePos);
   }
   return qvCString_S_CompareLengths(aLength, anOtherLength);
 }

@@ -3,15 +3,11 @@
 #include <string.h>
 
 #include "qvraTools/qvAssert.h"
-#include "qvraTools/qvConvert.h"
+#include "qvraTools/qvConvert_p.h"
 #include "qvraTools/qvMalloc.h"
 
 #define kqvCStringParser_EscapeWritten '\\'
 #define kqvCStringParser_SurroundSize  3 /* both surrounding characters and the terminator */
-
-static bool qvCStringParser_S_IsSpace(char aChar) {
-  return qvConvert_isspace(static_cast<unsigned char>(aChar)) != 0;
-}
 
 static bool qvCStringParser_S_IsQuote(char aChar) { return aChar == '"' || aChar == '\''; }
 
@@ -39,8 +35,26 @@ static void qvCStringParser_S_AppendToken(qvCStringParser_TokenList* aList, cons
 // the scan would not get past it.
 static bool qvCStringParser_S_IsDelimiterAt(const char* aBuffer, size_t aPosition, size_t anEnd,
                                             const char* aDelimiter, size_t aDelimiterLength) {
-  return aDelimiterLength > 0 && aPosition <= anEnd && aDelimiterLength <= anEnd - aPosition &&
+  return aDelimiterLength > 0 && aBuffer[aPosition] == *aDelimiter && aPosition <= anEnd &&
+         aDelimiterLength <= anEnd - aPosition &&
          memcmp(aBuffer + aPosition, aDelimiter, aDelimiterLength) == 0;
+}
+
+// The first place from aPosition on where the whole delimiter stands before anEnd; anEnd if there is none.
+static size_t qvCStringParser_S_FindDelimiter(const char* aBuffer, size_t aPosition, size_t anEnd,
+                                              const char* aDelimiter, size_t aDelimiterLength) {
+  while (aDelimiterLength > 0 && aDelimiterLength <= anEnd - aPosition) {
+    const void* thePtr = memchr(aBuffer + aPosition, *aDelimiter, anEnd - aPosition - (aDelimiterLength - 1));
+    if (thePtr == NULL) {
+      break;
+    }
+    aPosition = static_cast<size_t>(static_cast<const char*>(thePtr) - aBuffer);
+    if (aDelimiterLength == 1 || memcmp(thePtr, aDelimiter, aDelimiterLength) == 0) {
+      return aPosition;
+    }
+    ++aPosition;
+  }
+  return anEnd;
 }
 
 qvCStringParser_TokenList* qvCStringParser_TokenizeEscaped(const char* aBuffer, size_t anOffset,
@@ -50,10 +64,12 @@ qvCStringParser_TokenList* qvCStringParser_TokenizeEscaped(const char* aBuffer, 
   size_t theStart = anOffset;
   size_t thePosition = anOffset;
   while (thePosition < aLength) {
-    bool thefEscaped =
-        anEscapeChar != '\0' && thePosition != anOffset && aBuffer[thePosition - 1] == anEscapeChar;
-    if (thefEscaped ||
-        !qvCStringParser_S_IsDelimiterAt(aBuffer, thePosition, aLength, aDelimiter, aDelimiterLength)) {
+    thePosition =
+        qvCStringParser_S_FindDelimiter(aBuffer, thePosition, aLength, aDelimiter, aDelimiterLength);
+    if (thePosition == aLength) {
+      break;
+    }
+    if (anEscapeChar != '\0' && thePosition != anOffset && aBuffer[thePosition - 1] == anEscapeChar) {
       ++thePosition;
       continue;
     }
@@ -170,11 +186,11 @@ void qvCStringParser_Delete(qvCStringParser_TokenList* aList) {
 
 // Moves *aStr and *aLength past the white space at the ends that are asked for.
 static void qvCStringParser_S_Trim(const char** aStr, size_t* aLength, bool afLeft, bool afRight) {
-  while (afLeft && *aLength > 0 && qvCStringParser_S_IsSpace(**aStr)) {
+  while (afLeft && *aLength > 0 && qvConvert_S_IsSpace(**aStr)) {
     ++*aStr;
     --*aLength;
   }
-  while (afRight && *aLength > 0 && qvCStringParser_S_IsSpace((*aStr)[*aLength - 1])) {
+  while (afRight && *aLength > 0 && qvConvert_S_IsSpace((*aStr)[*aLength - 1])) {
     --*aLength;
   }
 }

@@ -9,4 +9,9 @@ const char* qvConvert_S_SkipSpace(const char* aStr);
 // text, otherwise the position of anEndPtr.
 int qvConvert_S_Position(const char* aStr, const char* anEndPtr);
 
+// qvConvert_isspace of a byte, inline.
+static inline bool qvConvert_S_IsSpace(char aChar) {
+  return (aChar >= '\t' && aChar <= '\r') || aChar == ' ';
+}
+
 #endif

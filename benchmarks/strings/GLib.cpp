@@ -33,20 +33,20 @@ static std::string Shown(const Tokens& aTokens) {
 
 static StringContender sCountedRows =
     StringContender("GLib counted string")
-        .Row("copy", STRINGS_ALL_SIZES,
+        .Row("copy", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                const Counted theSource(g_ref_string_new(theText.c_str()));
                Repeat(aState, theText, [&] { return Counted(g_ref_string_acquire(theSource.get())); });
              })
-        .Row("from text", STRINGS_ALL_SIZES, [](benchmark::State& aState) {
+        .Row("from text", kAllSizesAndLonger, [](benchmark::State& aState) {
           const std::string theText = PlainText(aState.range(0));
           Repeat(aState, theText, [&] { return Counted(g_ref_string_new(theText.c_str())); });
         });
 
 static StringContender sStringRows =
     StringContender("GLib GString")
-        .Row("copy", STRINGS_ALL_SIZES,
+        .Row("copy", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                const String theSource(g_string_new(theText.c_str()));
@@ -54,12 +54,12 @@ static StringContender sStringRows =
                  return String(g_string_new_len(theSource->str, static_cast<gssize>(theSource->len)));
                });
              })
-        .Row("from text", STRINGS_ALL_SIZES,
+        .Row("from text", kAllSizesAndLonger,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] { return String(g_string_new(theText.c_str())); });
              })
-        .Row("append characters", STRINGS_ALL_SIZES,
+        .Row("append characters", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -70,7 +70,7 @@ static StringContender sStringRows =
                  return theResult;
                });
              })
-        .Row("append characters, room made", STRINGS_ALL_SIZES,
+        .Row("append characters, room made", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -81,7 +81,7 @@ static StringContender sStringRows =
                  return theResult;
                });
              })
-        .Row("append pieces", STRINGS_LONG_SIZES,
+        .Row("append pieces", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PiecesText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -92,7 +92,7 @@ static StringContender sStringRows =
                  return theResult;
                });
              })
-        .Row("append pieces, room made", STRINGS_LONG_SIZES,
+        .Row("append pieces, room made", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PiecesText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -103,7 +103,7 @@ static StringContender sStringRows =
                  return theResult;
                });
              })
-        .Row("replace all", STRINGS_LONG_SIZES, [](benchmark::State& aState) {
+        .Row("replace all", kLongSizes, [](benchmark::State& aState) {
           const std::string theText = EscapedText(aState.range(0));
           Repeat(aState, UnescapedText(aState.range(0)), [&] {
             String theResult(g_string_new_len(theText.data(), static_cast<gssize>(theText.size())));
@@ -114,18 +114,18 @@ static StringContender sStringRows =
 
 static StringContender sTextRows =
     StringContender("GLib text")
-        .Row("from text", STRINGS_ALL_SIZES,
+        .Row("from text", kAllSizesAndLonger,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] { return Text(g_strdup(theText.c_str())); });
              })
-        .Row("concatenate", STRINGS_ALL_SIZES,
+        .Row("concatenate", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0) / 2);
                Repeat(aState, theText + theText,
                       [&] { return Text(g_strconcat(theText.c_str(), theText.c_str(), nullptr)); });
              })
-        .Row("find", STRINGS_LONG_SIZES,
+        .Row("find", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = HaystackText(aState.range(0));
                Repeat(aState, std::to_string(theText.size() - 8), [&] {
@@ -134,7 +134,7 @@ static StringContender sTextRows =
                  return static_cast<size_t>(thePlace - theText.data());
                });
              })
-        .Row("replace all", STRINGS_LONG_SIZES,
+        .Row("replace all", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = EscapedText(aState.range(0));
                Repeat(aState, UnescapedText(aState.range(0)), [&] {
@@ -142,18 +142,18 @@ static StringContender sTextRows =
                  return Text(g_strjoinv(kUnescaped, theParts.get()));
                });
              })
-        .Row("split", STRINGS_LONG_SIZES,
+        .Row("split", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theList = ListText(aState.range(0));
                Repeat(aState, TokensOf(theList), [&] { return Tokens(g_strsplit(theList.c_str(), ",", 0)); });
              })
-        .Row("trim", STRINGS_LONG_SIZES,
+        .Row("trim", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PaddedText(aState.range(0));
                Repeat(aState, TrimmedText(aState.range(0)),
                       [&] { return Text(g_strstrip(g_strdup(theText.c_str()))); });
              })
-        .Row("compare without case", STRINGS_ALL_SIZES, [](benchmark::State& aState) {
+        .Row("compare without case", kAllSizes, [](benchmark::State& aState) {
           const std::string theLeft = PlainText(aState.range(0));
           const std::string theRight = CapitalText(aState.range(0));
           Repeat(aState, "0",

@@ -57,17 +57,17 @@ static std::string Trimmed(const std::string& aText) {
 
 static StringContender sRows =
     StringContender("std::string")
-        .Row("copy", STRINGS_ALL_SIZES,
+        .Row("copy", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theSource = PlainText(aState.range(0));
                Repeat(aState, theSource, [&] { return std::string(theSource); });
              })
-        .Row("from text", STRINGS_ALL_SIZES,
+        .Row("from text", kAllSizesAndLonger,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] { return std::string(theText.c_str()); });
              })
-        .Row("append characters", STRINGS_ALL_SIZES,
+        .Row("append characters", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -78,7 +78,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("append characters, room made", STRINGS_ALL_SIZES,
+        .Row("append characters, room made", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -90,7 +90,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("append pieces", STRINGS_LONG_SIZES,
+        .Row("append pieces", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PiecesText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -101,7 +101,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("append pieces, room made", STRINGS_LONG_SIZES,
+        .Row("append pieces, room made", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PiecesText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -113,19 +113,19 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("concatenate", STRINGS_ALL_SIZES,
+        .Row("concatenate", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theLeft = PlainText(aState.range(0) / 2);
                const std::string theRight = theLeft;
                Repeat(aState, theLeft + theRight, [&] { return theLeft + theRight; });
              })
-        .Row("find", STRINGS_LONG_SIZES,
+        .Row("find", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theHaystack = HaystackText(aState.range(0));
                Repeat(aState, std::to_string(theHaystack.size() - 8),
                       [&] { return theHaystack.find(kNeedle); });
              })
-        .Row("replace all", STRINGS_LONG_SIZES,
+        .Row("replace all", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theSource = EscapedText(aState.range(0));
                Repeat(aState, UnescapedText(aState.range(0)), [&] {
@@ -133,26 +133,26 @@ static StringContender sRows =
                                    sizeof kUnescaped - 1);
                });
              })
-        .Row("split", STRINGS_LONG_SIZES,
+        .Row("split", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theList = ListText(aState.range(0));
                Repeat(aState, TokensOf(theList), [&] { return Split<std::string>(theList); });
              })
-        .Row("trim", STRINGS_LONG_SIZES,
+        .Row("trim", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theSource = PaddedText(aState.range(0));
                Repeat(aState, TrimmedText(aState.range(0)), [&] { return Trimmed(theSource); });
              })
-        .Row("compare without case", STRINGS_ALL_SIZES, [](benchmark::State& aState) {
+        .Row("compare without case", kAllSizes, [](benchmark::State& aState) {
           const std::string theLeft = PlainText(aState.range(0));
           const std::string theRight = CapitalText(aState.range(0));
           Repeat(aState, "0",
                  [&] { return static_cast<size_t>(strcasecmp(theLeft.c_str(), theRight.c_str())); });
         });
 
-// Tokens that point into the text, as the library's do.
+// Tokens that point into the text, as the library's do; all of them in one block.
 static StringContender sViewRows =
-    StringContender("std::string_view").Row("split", STRINGS_LONG_SIZES, [](benchmark::State& aState) {
+    StringContender("(std::string_view)").Row("split", kLongSizes, [](benchmark::State& aState) {
       const std::string theList = ListText(aState.range(0));
       Repeat(aState, TokensOf(theList), [&] { return Split<std::string_view>(theList); });
     });

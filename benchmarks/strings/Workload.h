@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <initializer_list>
 #include <string>
 
 // The texts that all contenders work on, made for the size of a row (characters, State::range(0)), and what
@@ -13,10 +14,10 @@
 //   12    fits into the object of some string classes
 //   80    a log line
 //   1024  a text of some paragraphs
-#define STRINGS_ALL_SIZES \
-  { 12, 80, 1024 }
-#define STRINGS_LONG_SIZES \
-  { 80, 1024 }
+//   4096  more than an allocator keeps ready for each thread
+inline constexpr std::initializer_list<int64_t> kAllSizes = {12, 80, 1024};
+inline constexpr std::initializer_list<int64_t> kLongSizes = {80, 1024};
+inline constexpr std::initializer_list<int64_t> kAllSizesAndLonger = {12, 80, 1024, 4096};
 
 // Words without the needle, the escape or a capital.
 inline std::string PlainText(int64_t aSize) {

@@ -23,18 +23,18 @@ static std::string Shown(const Tokens& aTokens) {
 
 static StringContender sRows =
     StringContender("qvLog")
-        .Row("copy", STRINGS_ALL_SIZES,
+        .Row("copy", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                const qvCString theSource(theText.c_str());
                Repeat(aState, theText, [&] { return qvCString(theSource); });
              })
-        .Row("from text", STRINGS_ALL_SIZES,
+        .Row("from text", kAllSizesAndLonger,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] { return qvCString(theText.c_str()); });
              })
-        .Row("append characters", STRINGS_ALL_SIZES,
+        .Row("append characters", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -45,7 +45,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("append characters, room made", STRINGS_ALL_SIZES,
+        .Row("append characters, room made", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -57,7 +57,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("append pieces", STRINGS_LONG_SIZES,
+        .Row("append pieces", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PiecesText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -68,7 +68,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("append pieces, room made", STRINGS_LONG_SIZES,
+        .Row("append pieces, room made", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = PiecesText(aState.range(0));
                Repeat(aState, theText, [&] {
@@ -80,21 +80,21 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("concatenate", STRINGS_ALL_SIZES,
+        .Row("concatenate", kAllSizes,
              [](benchmark::State& aState) {
                const std::string theText = PlainText(aState.range(0) / 2);
                const qvCString theLeft(theText.c_str());
                const qvCString theRight(theText.c_str());
                Repeat(aState, theText + theText, [&] { return theLeft + theRight; });
              })
-        .Row("find", STRINGS_LONG_SIZES,
+        .Row("find", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theText = HaystackText(aState.range(0));
                const qvCString theHaystack(theText.c_str());
                Repeat(aState, std::to_string(theText.size() - 8),
                       [&] { return theHaystack.FindFirstStr(kNeedle); });
              })
-        .Row("replace all", STRINGS_LONG_SIZES,
+        .Row("replace all", kLongSizes,
              [](benchmark::State& aState) {
                const qvCString theSource(EscapedText(aState.range(0)).c_str());
                Repeat(aState, UnescapedText(aState.range(0)), [&] {
@@ -103,14 +103,14 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("split", STRINGS_LONG_SIZES,
+        .Row("split", kLongSizes,
              [](benchmark::State& aState) {
                const std::string theList = ListText(aState.range(0));
                Repeat(aState, TokensOf(theList), [&] {
                  return Tokens(qvCStringParser_Tokenize(theList.data(), 0, theList.size(), ",", 1));
                });
              })
-        .Row("trim", STRINGS_LONG_SIZES,
+        .Row("trim", kLongSizes,
              [](benchmark::State& aState) {
                const qvCString theSource(PaddedText(aState.range(0)).c_str());
                Repeat(aState, TrimmedText(aState.range(0)), [&] {
@@ -119,7 +119,7 @@ static StringContender sRows =
                  return theResult;
                });
              })
-        .Row("compare without case", STRINGS_ALL_SIZES, [](benchmark::State& aState) {
+        .Row("compare without case", kAllSizes, [](benchmark::State& aState) {
           const qvCString theLeft(PlainText(aState.range(0)).c_str());
           const qvCString theRight(CapitalText(aState.range(0)).c_str());
           Repeat(aState, "0", [&] { return static_cast<size_t>(theLeft.CompareNoCase(theRight)); });

@@ -189,6 +189,18 @@ TEST(qvCStringEdit, ReplaceChangesEveryOccurrenceOrTheFirst) {
   }
 }
 
+TEST(qvCStringEdit, ReplaceFindsEachOfManyOccurrences) {
+  std::string theText;
+  std::string theResult;
+  for (int i = 0; i < 1000; ++i) {
+    theText += "a<b";
+    theResult += "a&lt;b";
+  }
+  qvCString theString(theText.c_str());
+  EXPECT_EQ(1000u, theString.Replace("<", "&lt;"));
+  EXPECT_EQ(theResult, TextOf(theString));
+}
+
 TEST(qvCStringEdit, ReplaceWorksBehindZeroBytes) {
   qvCString theString = StringOf(Bytes("a\0a"));
   EXPECT_EQ(2u, theString.Replace("a", "bb", true));
@@ -303,6 +315,14 @@ TEST(qvCStringEdit, TrimLeavesATextWithNothingToRemoveUntouched) {
   theString.Trim(false);
   theString.TrimLeftRight();
   EXPECT_EQ(theCopy.mCStringData, theString.mCStringData);
+}
+
+TEST(qvCStringEdit, TrimBuildsATextOfTheTrimmedLength) {
+  qvCString theString("   0123456789abcdef   ");
+  theString.TrimLeftRight();
+  EXPECT_EQ("0123456789abcdef", TextOf(theString));
+  EXPECT_EQ(35u, theString.mCStringData->mAllocatedLength);
+  EXPECT_TRUE(IsSharedEmptyText(qvCString(" \t ").TrimLeftRight()));
 }
 
 TEST(qvCStringEdit, TrimLeavesTheOtherOwnersAlone) {

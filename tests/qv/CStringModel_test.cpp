@@ -1,4 +1,5 @@
 // Long random runs of operations on strings that share texts, beside std::string as a model.
+#include <ctype.h>
 #include <gtest/gtest.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -125,7 +126,7 @@ TEST(qvCStringModel, SearchesFindWhatTheModelFinds) {
   for (int theStep = 0; theStep < kStepCount; ++theStep) {
     std::string theText;
     std::string theNeedle;
-    for (size_t i = theDice.Below(20); i > 0; --i) {
+    for (size_t i = theDice.Below(60); i > 0; --i) {
       theText += static_cast<char>('a' + theDice.Below(2));
     }
     for (size_t i = theDice.Below(4) + 1; i > 0; --i) {
@@ -142,5 +143,33 @@ TEST(qvCStringModel, SearchesFindWhatTheModelFinds) {
     ASSERT_EQ(theText.find_last_of(theNeedle, theStart), theString.FindLastOf(theNeedle.c_str(), theStart));
     ASSERT_EQ(theText.find_first_not_of(theNeedle, theStart),
               theString.FindFirstNotOf(theNeedle.c_str(), theStart));
+  }
+}
+
+// The definition: tolower of each byte, then the lengths.
+static int CompareNoCaseOf(const std::string& aLeft, const std::string& aRight) {
+  for (size_t i = 0; i < aLeft.size() && i < aRight.size(); ++i) {
+    const int theLeft = tolower(static_cast<unsigned char>(aLeft[i]));
+    const int theRight = tolower(static_cast<unsigned char>(aRight[i]));
+    if (theLeft != theRight) {
+      return theLeft < theRight ? -1 : 1;
+    }
+  }
+  return aLeft.size() == aRight.size() ? 0 : aLeft.size() < aRight.size() ? -1 : 1;
+}
+
+TEST(qvCStringModel, CompareNoCaseComparesByteByByteWhateverTheBytesAre) {
+  Dice theDice(11);
+  const std::string kBytes = Bytes("aA\0\xE9");
+  for (int theStep = 0; theStep < kStepCount; ++theStep) {
+    std::string theTexts[2];
+    for (std::string& theText : theTexts) {
+      for (size_t i = theDice.Below(5); i > 0; --i) {
+        theText += kBytes[theDice.Below(kBytes.size())];
+      }
+    }
+    ASSERT_EQ(CompareNoCaseOf(theTexts[0], theTexts[1]),
+              StringOf(theTexts[0]).CompareNoCase(StringOf(theTexts[1])))
+        << testing::PrintToString(theTexts[0]) << " and " << testing::PrintToString(theTexts[1]);
   }
 }

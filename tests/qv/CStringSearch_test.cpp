@@ -288,6 +288,23 @@ TEST(qvCStringCompare, CompareNoCaseGivesExactlyMinusOneZeroOrOne) {
   }
 }
 
+TEST(qvCStringCompare, CompareNoCaseGoesOnBehindZeroBytes) {
+  const qvCString theString = StringOf(Bytes("a\0b\0C"));
+  EXPECT_EQ(0, theString.CompareNoCase(StringOf(Bytes("A\0B\0c"))));
+  EXPECT_EQ(-1, theString.CompareNoCase(StringOf(Bytes("A\0B\0d"))));
+  EXPECT_EQ(1, theString.CompareNoCase(StringOf(Bytes("A\0B\0b"))));
+  EXPECT_EQ(1, theString.CompareNoCase(StringOf(Bytes("A\0B"))));
+  EXPECT_EQ(-1, theString.CompareNoCase(StringOf(Bytes("Ax"))));
+  EXPECT_EQ(1, theString.CompareNoCase("A"));
+}
+
+TEST(qvCStringCompare, CompareNoCaseLooksAtTheLengthWhileTheWriteBufferIsOut) {
+  qvCString theString("abc");
+  theString.GetWriteBuf(3);
+  EXPECT_EQ(-1, theString.CompareNoCase("abc"));
+  theString.UngetWriteBuf();
+}
+
 TEST(qvCStringCompare, CompareNoCaseTakesNullAsEmpty) {
   EXPECT_EQ(0, qvCString().CompareNoCase(kNull));
   EXPECT_EQ(1, qvCString("a").CompareNoCase(kNull));

@@ -192,6 +192,42 @@ TEST(qvCStringParserEscaped, LastByteOfADelimiterMayBeTheEscapeOfTheNext) {
   EXPECT_EQ("<a><\\b>", TokenizeEscaped("a\\\\b", "\\", '\\'));
 }
 
+// The description step by step: every position looked at, one byte after the other.
+static std::string TokenizeByBytes(const std::string& aText, const std::string& aDelimiter, char anEscapeChar,
+                                   size_t anOffset) {
+  std::string theTokens = "<";
+  for (size_t thePos = anOffset; thePos < aText.size();) {
+    const bool thefEscaped = anEscapeChar != 0 && thePos != anOffset && aText[thePos - 1] == anEscapeChar;
+    if (!thefEscaped && aText.compare(thePos, aDelimiter.size(), aDelimiter) == 0) {
+      theTokens += "><";
+      thePos += aDelimiter.size();
+    } else {
+      theTokens += aText[thePos++];
+    }
+  }
+  return theTokens + ">";
+}
+
+TEST(qvCStringParserEscaped, AgreesWithTheDescriptionOnEveryShortText) {
+  const char kBytes[] = {',', ';', '\\', 'a'};
+  const int kTexts = 4 * 4 * 4 * 4 * 4 * 4;
+  for (int theNumber = 0; theNumber < kTexts; ++theNumber) {
+    std::string theText;
+    for (int theRest = theNumber; theText.size() < 6; theRest /= 4) {
+      theText += kBytes[theRest % 4];
+    }
+    for (const char* theDelimiter : {",", ",;", ";;", ",\\"}) {
+      for (char theEscape : {'\0', '\\'}) {
+        for (size_t theOffset : {0, 2, 6}) {
+          ASSERT_EQ(TokenizeByBytes(theText, theDelimiter, theEscape, theOffset),
+                    TokenizeEscaped(theText, theDelimiter, theEscape, theOffset))
+              << theText << " at " << theDelimiter << " from " << theOffset;
+        }
+      }
+    }
+  }
+}
+
 TEST(qvCStringParserQuoted, DelimitersInsideQuotesAreText) {
   EXPECT_EQ("<a><x'b,c'><><d>", TokenizeQuoted("a,x'b,c',d", ","));
   EXPECT_EQ("<a><x\"b,c\"><><d>", TokenizeQuoted("a,x\"b,c\",d", ","));
