@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 class FuzzInput {
  public:
@@ -65,9 +66,12 @@ class FuzzInput {
 // if asked for.
 class ExactCopy {
  public:
-  explicit ExactCopy(const std::string& aText, bool afTerminated = false)
+  explicit ExactCopy(std::string_view aText, bool afTerminated = false)
       : mSize(aText.size() + (afTerminated ? 1 : 0)), mBytes(new char[mSize]) {
-    memcpy(mBytes.get(), aText.c_str(), mSize);
+    memcpy(mBytes.get(), aText.data(), aText.size());
+    if (afTerminated) {
+      mBytes[aText.size()] = '\0';
+    }
   }
 
   char* Data() const { return mBytes.get(); }

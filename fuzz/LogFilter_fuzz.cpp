@@ -58,9 +58,19 @@ static void CheckTime(const std::string& aText) {
   }
 }
 
-// The system's pattern compiler needs memory and time that grow quickly with repetitions and nesting; that is
-// the caller's choice and not looked at here.
+// The system's pattern compiler needs memory and time that grow quickly with nesting and with repetitions,
+// each of which doubles what is before it when that is a repetition too; that is the caller's choice and not
+// looked at here.
 static bool IsSimple(const std::string& aPattern) {
+  static const char kRepetitions[] = "*+?";
+  size_t theRepetition = aPattern.find_first_of(kRepetitions);
+  while (theRepetition != std::string::npos) {
+    size_t theNext = aPattern.find_first_of(kRepetitions, theRepetition + 1);
+    if (theNext == theRepetition + 1) {
+      return false;
+    }
+    theRepetition = theNext;
+  }
   return aPattern.size() <= 32 && aPattern.find_first_of("{(\\") == std::string::npos;
 }
 
