@@ -6,8 +6,9 @@
 #include <time.h>
 #include <unistd.h>
 
-#include "qvLog/qvLogger.h"
 #include "qvLog/qvLoggerConfig_p.h"
+#include "qvLog/qvLoggerPieces_p.h"
+#include "qvLog/qvMainLogger_p.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvMalloc.h"
@@ -17,6 +18,7 @@
 #define kqvLogger_ProcessNameSize 64 /* bytes */
 #define kqvLogger_ThreadNameSize  10 /* bytes */
 #define kqvLogger_ThreadDigits    8
+#define kqvLogger_PrefixSize      80 /* bytes; letter, stamp, thread, module, what stands between them */
 #define kqvLogger_CachedZoneSize  64 /* bytes */
 #define kqvLogger_CachedStampSize 24 /* bytes; a date and a time, less than a record's stamp */
 
@@ -81,16 +83,6 @@ static const char* qvLogger_S_LevelLetter(qvLogLevel aLevel) {
   return aLevel == QVLOGLEVEL_INFO ? "I " : "D ";
 }
 
-void qvLogger::GenerateBeginLine(qvLogDataEx* aRecord) {
-  Append_S(aRecord, qvLogger_S_LevelLetter(aRecord->mLevel), 2);
-  Append_LogTime(aRecord);
-  Append_S(aRecord, "|", 1);
-  Append_ThreadNameOrId(aRecord);
-  Append_S(aRecord, "|", 1);
-  Append_LogModule(aRecord);
-  Append_S(aRecord, " ", 1);
-}
-
 // Date (if it is wanted) and time of day. 0 when the system cannot tell the local time; the stamp is then the
 // milliseconds alone.
 static size_t qvLogger_S_FormatLocalTime(char* aText, size_t aSize, int aSeconds) {
@@ -109,76 +101,73 @@ static size_t qvLogger_S_FormatLocalTime(char* aText, size_t aSize, int aSeconds
 }
 
 // What the text of a second depends on, besides the second: the form, and the time zone of the process.
-struct qvLoggerStampKey {
+struct qvLoggerStamp {
   int mSeconds;
   uint16 mfDate;
   bool mfZoneSet;
   char mZone[kqvLogger_CachedZoneSize];
+  char mText[kqvLogger_CachedStampSize];
+  size_t mLength;  // of the text; 0: nothing is kept
 };
 
-// Fails for a time zone that is too long to be remembered.
-static bool qvLogger_S_MakeStampKey(int aSeconds, qvLoggerStampKey* aKey) {
-  const char* theZone = getenv("TZ");
-  memset(aKey, 0, sizeof(*aKey));
-  aKey->mSeconds = aSeconds;
-  aKey->mfDate = _gfDateActivate;
-  aKey->mfZoneSet = theZone != NULL;
-  size_t theLength = theZone != NULL ? strnlen(theZone, sizeof(aKey->mZone)) : 0;
-  if (theLength == sizeof(aKey->mZone)) {
-    return false;
-  }
-  if (theLength > 0) {
-    memcpy(aKey->mZone, theZone, theLength);
-  }
-  return true;
+static bool qvLogger_S_IsStampOf(const qvLoggerStamp* aStamp, int aSeconds, const char* aZone) {
+  return aStamp->mLength != 0 && aStamp->mSeconds == aSeconds && aStamp->mfDate == _gfDateActivate &&
+         aStamp->mfZoneSet == (aZone != NULL) && (aZone == NULL || strcmp(aStamp->mZone, aZone) == 0);
+}
+
+// A time zone that is too long to be remembered leaves nothing that is kept for long.
+static void qvLogger_S_MakeStamp(qvLoggerStamp* aStamp, int aSeconds, const char* aZone) {
+  aStamp->mSeconds = aSeconds;
+  aStamp->mfDate = _gfDateActivate;
+  aStamp->mfZoneSet = aZone != NULL;
+  qv_snprintf(aStamp->mZone, sizeof(aStamp->mZone), "%s", aZone != NULL ? aZone : "");
+  aStamp->mLength = qvLogger_S_FormatLocalTime(aStamp->mText, sizeof(aStamp->mText), aSeconds);
 }
 
 // As qvLogger_S_FormatLocalTime. Converting to local time looks at the system's time-zone file and costs more
 // than all the rest of a prefix, so the text of the last second is kept.
-static size_t qvLogger_S_FormatSecond(char* aText, size_t aSize, int aSeconds) {
-  static qvLoggerStampKey sKey;
-  static char sText[kqvLogger_CachedStampSize];
-  static size_t sLength = 0;  // 0: nothing is kept
-  qvLoggerStampKey theKey;
-  if (!qvLogger_S_MakeStampKey(aSeconds, &theKey)) {
-    return qvLogger_S_FormatLocalTime(aText, aSize, aSeconds);
+static size_t qvLogger_S_CopySecond(char* aText, int aSeconds) {
+  static qvLoggerStamp sStamp;
+  const char* theZone = getenv("TZ");
+  if (!qvLogger_S_IsStampOf(&sStamp, aSeconds, theZone)) {
+    qvLogger_S_MakeStamp(&sStamp, aSeconds, theZone);
   }
-  // The gaps between the fields are zero. NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-  if (sLength == 0 || memcmp(&theKey, &sKey, sizeof(theKey)) != 0) {
-    sKey = theKey;
-    sLength = qvLogger_S_FormatLocalTime(sText, sizeof(sText), aSeconds);
-  }
-  memcpy(aText, sText, sLength + 1);
-  return sLength;
+  memcpy(aText, sStamp.mText, sStamp.mLength);
+  return sStamp.mLength;
 }
 
-// Appends ":042". By hand, because it is done for every message.
-static size_t qvLogger_S_AppendMilliseconds(char* aText, size_t aLength, int32 aMicroseconds) {
-  unsigned int theMS = static_cast<unsigned int>(aMicroseconds) / 1000;
-  char* theEnd = aText + aLength;
-  *theEnd++ = ':';
-  *theEnd++ = static_cast<char>('0' + theMS / 100);
-  *theEnd++ = static_cast<char>('0' + theMS / 10 % 10);
-  *theEnd++ = static_cast<char>('0' + theMS % 10);
-  *theEnd = '\0';
-  return aLength + 4;
+// ":042"
+static size_t qvLogger_S_PutMilliSeconds(char* aText, int aMilliSeconds) {
+  aText[0] = ':';
+  aText[1] = static_cast<char>('0' + aMilliSeconds / 100);
+  aText[2] = static_cast<char>('0' + aMilliSeconds / 10 % 10);
+  aText[3] = static_cast<char>('0' + aMilliSeconds % 10);
+  return 4;
 }
 
-void qvLogger::Append_LogTime(qvLogDataEx* aRecord) {
+// Makes the record's time stamp, unless a logger before has.
+static void qvLogger_S_StampRecord(qvLogDataEx* aRecord) {
   if (aRecord->mTimeStrLen == 0) {
     qvtimeval theNow;
     qvTime_GetTimeOfDay(&theNow);
     char* theText = aRecord->mTimeStr;
-    size_t theSize = sizeof(aRecord->mTimeStr);
-    size_t theLength = qvLogger_S_FormatSecond(theText, theSize, theNow.tv_sec);
-    aRecord->mTimeStrLen = qvLogger_S_AppendMilliseconds(theText, theLength, theNow.tv_usec);
+    size_t theLength = qvLogger_S_CopySecond(theText, theNow.tv_sec);
+    theLength += qvLogger_S_PutMilliSeconds(theText + theLength, theNow.tv_usec / 1000);
+    theText[theLength] = '\0';
+    aRecord->mTimeStrLen = theLength;
   }
+}
+
+void qvLogger::Append_LogTime(qvLogDataEx* aRecord) {
+  qvLogger_S_StampRecord(aRecord);
   Append_S(aRecord, aRecord->mTimeStr, aRecord->mTimeStrLen);
 }
 
 void qvLogger::Append_ThreadNameOrId(qvLogDataEx* aRecord) { Append_F(aRecord, "%s", CurrentThreadName()); }
 
 void qvLogger::Append_ProcessNameOrId(qvLogDataEx* aRecord) { Append_F(aRecord, "%s", CurrentProcessName()); }
+
+static const char kBlanks[kqvLogger_ModuleColumns + 1] = "          ";
 
 void qvLogger::Append_LogModule(qvLogDataEx* aRecord) {
   int theIgnored;
@@ -190,7 +179,53 @@ void qvLogger::Append_LogModule(qvLogDataEx* aRecord) {
   size_t theLength = strnlen(theName, kqvLogger_ModuleColumns);
   Append_S(aRecord, theName, theLength);
   if (theLength < kqvLogger_ModuleColumns) {
-    static const char kBlanks[] = "          ";
     Append_S(aRecord, kBlanks, kqvLogger_ModuleColumns - theLength);
   }
+}
+
+static char* qvLogger_S_Put(char* aText, const char* aBytes, size_t aLength) {
+  memcpy(aText, aBytes, aLength);
+  return aText + aLength;
+}
+
+// All of a prefix at once, with a zero byte behind it. The result is its length; 0 for the rare ones that
+// take a format: of a module without a name, or without a buffer, where a part is missing.
+static size_t qvLogger_S_MakePrefix(qvLogDataEx* aRecord, char* aPrefix) {
+  int theIgnored;
+  const char* theModule = qvLogger::ModuleNameAndDefaultValue(aRecord->mModule, &theIgnored);
+  if (theModule == NULL || !_gfqvLog_gDataInitialized || aRecord->mSizeofFormatted < 1) {
+    return 0;
+  }
+  qvLogger_S_StampRecord(aRecord);
+  char* theEnd = qvLogger_S_Put(aPrefix, qvLogger_S_LevelLetter(aRecord->mLevel), 2);
+  theEnd = qvLogger_S_Put(theEnd, aRecord->mTimeStr, aRecord->mTimeStrLen);
+  *theEnd++ = '|';
+  theEnd = qvLogger_S_Put(theEnd, qvLogger::CurrentThreadName(), kqvLogger_ThreadDigits);
+  *theEnd++ = '|';
+  size_t theLength = strnlen(theModule, kqvLogger_ModuleColumns);
+  qvLogger_S_Put(theEnd, kBlanks, kqvLogger_ModuleColumns);
+  qvLogger_S_Put(theEnd, theModule, theLength);
+  theEnd += kqvLogger_ModuleColumns;
+  *theEnd++ = ' ';
+  *theEnd = '\0';
+  return static_cast<size_t>(theEnd - aPrefix);
+}
+
+void qvLogger::GenerateBeginLine(qvLogDataEx* aRecord) {
+  qvLoggerMorePieces theMorePieces;  // the text
+  if (qvLogger_S_IsOwn(this)) {
+    char thePrefix[kqvLogger_PrefixSize];
+    size_t theLength = qvLogger_S_MakePrefix(aRecord, thePrefix);
+    if (theLength > 0) {
+      Append_S(aRecord, thePrefix, theLength);
+      return;
+    }
+  }
+  Append_S(aRecord, qvLogger_S_LevelLetter(aRecord->mLevel), 2);
+  Append_LogTime(aRecord);
+  Append_S(aRecord, "|", 1);
+  Append_ThreadNameOrId(aRecord);
+  Append_S(aRecord, "|", 1);
+  Append_LogModule(aRecord);
+  Append_S(aRecord, " ", 1);
 }

@@ -1,9 +1,12 @@
 #include "qvLog/qvLogger_File.h"
 
 #include <stdio_ext.h>
+#include <string.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include "qvLog/qvLogFork_p.h"
+#include "qvLog/qvLoggerPieces_p.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
@@ -14,11 +17,18 @@
 #define kqvFileLogger_DefaultLevel  "Off"
 #define kqvFileLogger_DefaultFile   "stderr"
 #define kqvFileLogger_DefaultAppend 0
+#define kqvFileLogger_LineSize      4096 /* bytes; what is longer reaches the system in parts */
 
 // fopen then opens files beyond two gibibytes too, on every target.
 static_assert(sizeof(off_t) == 8, "a log file may be a large one");
 
 qvFileLogger* qvFileLogger::sInstance = NULL;
+
+// Between BeginLog and EndLog the pieces of a message are collected here, so that a line costs one call of
+// the stream or of the system. There is one instance at a time.
+static char sLine[kqvFileLogger_LineSize];
+static size_t sLineLength = 0;
+static bool sfInMessage = false;
 
 // The settings are read at construction, so that they appear in a populated file, and again for every
 // opening.
@@ -45,9 +55,22 @@ qvFileLogger::~qvFileLogger() {
 
 bool qvFileLogger::IsOK() { return mFile != NULL; }
 
+static bool qvFileLogger_S_IsStandard(FILE* aFile) { return aFile == stderr || aFile == stdout; }
+
+// Leaves nothing collected.
+static size_t qvFileLogger_S_TakeLine() {
+  size_t theLength = sLineLength;
+  sLineLength = 0;
+  return theLength;
+}
+
 void qvFileLogger::CloseFile() {
-  if (mFile != NULL && mFile != stderr && mFile != stdout) {
-    fclose(mFile);
+  size_t theLength = qvFileLogger_S_TakeLine();
+  if (mFile != NULL) {
+    fwrite(sLine, 1, theLength, mFile);
+    if (!qvFileLogger_S_IsStandard(mFile)) {
+      fclose(mFile);
+    }
   }
   mFile = NULL;
 }
@@ -92,18 +115,55 @@ static FILE* qvFileLogger_S_Open(qvFileLogger* aLogger) {
   return theFile;
 }
 
-static void qvFileLogger_S_ReportError() { perror("qvFileLogger"); }
+// The output is closed when something could not be written.
+static void qvFileLogger_S_Check(qvFileLogger* aLogger, bool afWritten) {
+  if (!afWritten) {
+    perror("qvFileLogger");
+    aLogger->CloseFile();
+  }
+}
+
+static void qvFileLogger_S_Write(qvFileLogger* aLogger, const char* aBytes, size_t aLength) {
+  if (aLogger->mFile != NULL && aLength > 0) {
+    qvFileLogger_S_Check(aLogger, fwrite(aBytes, aLength, 1, aLogger->mFile) == 1);
+  }
+}
+
+static void qvFileLogger_S_WriteLine(qvFileLogger* aLogger) {
+  size_t theLength = qvFileLogger_S_TakeLine();
+  qvFileLogger_S_Write(aLogger, sLine, theLength);
+}
+
+// Whether the system can be given the line past the stream: the file is the logger's alone, and nothing that
+// comes before the line waits in the stream.
+static bool qvFileLogger_S_IsDirect(FILE* aFile) {
+  return !qvFileLogger_S_IsStandard(aFile) && __fpending(aFile) == 0 && fileno(aFile) >= 0;
+}
+
+static bool qvFileLogger_S_WriteToSystem(FILE* aFile, const char* aBytes, size_t aLength) {
+  while (aLength > 0) {
+    ssize_t theWritten = write(fileno(aFile), aBytes, aLength);
+    if (theWritten < 0) {
+      return false;
+    }
+    aBytes += theWritten;
+    aLength -= static_cast<size_t>(theWritten);
+  }
+  return true;
+}
 
 bool qvFileLogger::BeginLog(qvLogDataEx* aRecord) {
   if (mFile == NULL) {
     mFile = qvFileLogger_S_Open(this);
     if (mFile == NULL) {
-      qvFileLogger_S_ReportError();
+      qvFileLogger_S_Check(this, false);
       return false;
     }
     mLastChar = '\n';
+    sfInMessage = true;
     Append_F(aRecord, "NAME: %s (log started)\n", CurrentProcessName());
   }
+  sfInMessage = true;
   if (mLastChar == '\n') {
     GenerateBeginLine(aRecord);
   }
@@ -115,20 +175,35 @@ void qvFileLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
     return;
   }
   mLastChar = aBytes[aLength - 1];
-  if (mFile != NULL && fwrite(aBytes, aLength, 1, mFile) != 1) {
-    qvFileLogger_S_ReportError();
-    CloseFile();
+  if (aLength > sizeof(sLine) - sLineLength) {
+    qvFileLogger_S_WriteLine(this);
+  }
+  if (mFile == NULL) {
+    return;
+  }
+  if (!sfInMessage || aLength > sizeof(sLine)) {
+    qvFileLogger_S_Write(this, aBytes, aLength);
+    return;
+  }
+  memcpy(sLine + sLineLength, aBytes, aLength);
+  sLineLength += aLength;
+  // What the application prints on the same stream keeps its place before and behind the text.
+  if (qvFileLogger_S_IsStandard(mFile) && !qvLoggerMorePieces::Follow()) {
+    qvFileLogger_S_WriteLine(this);
   }
 }
 
 void qvFileLogger::EndLog(qvLogDataEx*) {
-  if (mFile == NULL || mLastChar != '\n') {
+  sfInMessage = false;
+  if (mFile != NULL && mLastChar == '\n' && qvFileLogger_S_IsDirect(mFile)) {
+    size_t theLength = qvFileLogger_S_TakeLine();
+    qvFileLogger_S_Check(this, qvFileLogger_S_WriteToSystem(mFile, sLine, theLength));
     return;
   }
+  qvFileLogger_S_WriteLine(this);
   // The line was collected in the stream's buffer: this is where a full disk shows.
-  if (fflush(mFile) != 0) {
-    qvFileLogger_S_ReportError();
-    CloseFile();
+  if (mFile != NULL && mLastChar == '\n') {
+    qvFileLogger_S_Check(this, fflush(mFile) == 0);
   }
 }
 
@@ -145,6 +220,8 @@ void qvFileLogger_S_LeaveParentsLine() {
   if (theLogger == NULL || theLogger->mFile == NULL) {
     return;
   }
+  qvFileLogger_S_TakeLine();
+  sfInMessage = false;
   if (theLogger->mFile != stderr && theLogger->mFile != stdout) {
     __fpurge(theLogger->mFile);  // what is buffered is the parent's, which will write it
   }

@@ -1,5 +1,6 @@
 #include "qvLog/qvMainLogger_p.h"
 
+#include "qvLog/qvLoggerPieces_p.h"
 #include "qvLog/qvLoggerText_p.h"
 #include "qvraTools/qvMalloc.h"
 
@@ -113,10 +114,13 @@ void qvMainLogger::Append_VFN(const char* aFormat, va_list anArgs) {
     theRecord->mFormattedLen = 0;
   }
   qvMainLogger_S_ForEachTaking(theRecord, [&](qvLogger* aLogger) {
-    for (unsigned int i = 0; i < mIndentLevel; ++i) {
-      aLogger->Append_F(theRecord, "\t");
+    {
+      qvLoggerMorePieces theMorePieces;  // the line end
+      for (unsigned int i = 0; i < mIndentLevel; ++i) {
+        aLogger->Append_F(theRecord, "\t");
+      }
+      aLogger->Append_VF(theRecord, aFormat, anArgs);
     }
-    aLogger->Append_VF(theRecord, aFormat, anArgs);
     aLogger->Append_F(theRecord, "\n");
   });
 }

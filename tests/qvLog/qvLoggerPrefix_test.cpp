@@ -6,6 +6,8 @@
 #include <time.h>
 
 #include "qvLog/qvLoggerConfig_p.h"
+#include "qvLog/qvLogger_Func.h"
+#include "qvLog/qvMainLogger_p.h"
 #include "support/LogProgram.h"
 #include "support/RecordingLogger.h"
 
@@ -81,6 +83,18 @@ TEST(qvLoggerPrefix, ALoggerMayReplaceThePartsOfThePrefix) {
   EXPECT_THAT(theLogger.mPieces, testing::ElementsAre("W ", "time", "|", "thread", "|", "module", " "));
 }
 
+TEST(qvLoggerPrefix, ALoggerDerivedFromOneOfTheLibraryMayReplaceThemToo) {
+  struct PartsLogger : qvFuncLogger {
+    PartsLogger() : qvFuncLogger(false) {}
+    void Append_LogTime(qvLogDataEx* aRecord) override { Append_S(aRecord, "time", 4); }
+  };
+  PartsLogger theLogger;
+  qvLogDataEx theRecord = {};
+  theRecord.mLevel = QVLOGLEVEL_WARNING;
+  theLogger.GenerateBeginLine(&theRecord);
+  EXPECT_THAT(std::string(theLogger.mStr, theLogger.mStrLen), StartsWith("W time|"));
+}
+
 TEST(qvLoggerPrefix, TheThreadIsTheLoggingThread) {
   EXPECT_EQ(std::string(qvLogger::CurrentThreadName()), PrefixOf(1, 0).substr(15, 8));
 }
@@ -103,6 +117,21 @@ TEST(qvLoggerPrefix, ALongerNameIsCutAtTenColumns) {
 TEST(qvLoggerPrefix, AnUnnamedModulePrintsItsNumberInTenDigits) {
   EXPECT_EQ("|0000000170 ", PrefixOf(1, 170).substr(23));
   EXPECT_EQ("|0000065535 ", PrefixOf(1, 65535).substr(23));
+}
+
+// The library's own loggers get a prefix in one piece.
+TEST(qvLoggerPrefix, TheLibrarysLoggersHaveTheSamePrefixForEveryModule) {
+  qvFuncLogger theLogger(false);
+  for (qvLogModule theModule : {0, 1, 28, 100, 150, 151, 170, 200, 261, 262, 511, 512, 65535}) {
+    qvLogDataEx theRecord = {};
+    theRecord.mFormatted = _qvLog_gData.mFormatted;
+    theRecord.mSizeofFormatted = _qvLog_gData.mSizeofFormatted;
+    theRecord.mLevel = QVLOGLEVEL_INFO;
+    theRecord.mModule = theModule;
+    theLogger.mStrLen = 0;
+    theLogger.GenerateBeginLine(&theRecord);
+    EXPECT_EQ(PrefixOf(QVLOGLEVEL_INFO, theModule).substr(14), std::string(theLogger.mStr + 14)) << theModule;
+  }
 }
 
 TEST(qvLoggerPrefix, TheTimeIsTheLocalTimeOfTheMessage) {

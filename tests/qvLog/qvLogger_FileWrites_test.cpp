@@ -1,0 +1,154 @@
+// What the file logger gives to the system at once.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "qvLog/qvLogger_File.h"
+#include "qvLog/qvMainLogger_p.h"
+#include "support/LogProgram.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::MatchesRegex;
+
+const char kPrefix[] = "E [0-9:]{12}\\|[0-9a-f]{8}\\|DEFAULT    ";
+
+// Standard error is the logger's output, and every write to it arrives here on its own.
+class WritesOfStandardError : public testing::Test {
+ protected:
+  WritesOfStandardError() : mOld(dup(STDERR_FILENO)) {
+    int theEnds[2];
+    socketpair(AF_UNIX, SOCK_SEQPACKET, 0, theEnds);
+    mWrites = theEnds[0];
+    dup2(theEnds[1], STDERR_FILENO);
+    close(theEnds[1]);
+    qvLogger::LockFramework();
+    qvFileLogger::sInstance->mFile = stderr;
+    qvFileLogger::sInstance->mLastChar = '\n';
+    qvFileLogger::sInstance->ChangeLevel(65535);
+    qvLogger::UnlockFramework();
+  }
+  ~WritesOfStandardError() override {
+    dup2(mOld, STDERR_FILENO);
+    close(mOld);
+    close(mWrites);
+  }
+
+  std::vector<std::string> Writes() {
+    std::vector<std::string> theWrites;
+    char theBytes[8192];
+    ssize_t theLength;
+    while ((theLength = recv(mWrites, theBytes, sizeof(theBytes), MSG_DONTWAIT)) > 0) {
+      theWrites.emplace_back(theBytes, theLength);
+    }
+    return theWrites;
+  }
+
+ private:
+  int mOld;
+  int mWrites;
+};
+
+// The regular expression of a line with a prefix.
+testing::Matcher<std::string> Line(const std::string& aText) { return MatchesRegex(kPrefix + aText); }
+
+}  // namespace
+
+TEST_F(WritesOfStandardError, AFormattedLineIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("%d %s\n", 1, "text");
+  EXPECT_THAT(Writes(), ElementsAre(Line("1 text\n"))) << "as soon as the text is known";
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre());
+}
+
+TEST_F(WritesOfStandardError, AnIndentedLineIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvMainLogger::Current()->Indent();
+  qvLog_Append_FN("%d", 1);
+  qvMainLogger::Current()->Unindent();
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("\t1\n")));
+}
+
+TEST_F(WritesOfStandardError, EachLineOfAMultiLineTextIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_FML("one\ntwo\n");
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("one\n"), Line("two\n")));
+}
+
+TEST_F(WritesOfStandardError, EachLineOfAHexDumpIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_B("0123456789abcdef0", 17);
+  qvLog_End(theData);
+  EXPECT_EQ(3u, Writes().size());
+}
+
+TEST_F(WritesOfStandardError, TextWithoutALineEndIsWrittenAtOnce) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  EXPECT_THAT(Writes(), ElementsAre());
+  qvLog_Append_F("one");
+  EXPECT_THAT(Writes(), ElementsAre(Line("one")));
+  qvLog_Append_F(" two\n");
+  EXPECT_THAT(Writes(), ElementsAre(" two\n"));
+  qvLog_End(theData);
+}
+
+TEST_F(WritesOfStandardError, APrefixWithoutTextIsWrittenAtTheEndOfTheMessage) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("")));
+}
+
+TEST(WritesOfAFile, ALineLongerThanTheLoggersBufferIsWhole) {
+  LogProgram theProgram;
+  theProgram.Configure("[options]\npopulate=0\nmax_len_logger=20000\n[file]\nlevel=all\nfile=out.txt\n");
+  std::string theLong(10000, 'a');
+  std::string theFull(4096, 'b');
+  theProgram.Run({"begin", "append", "1", "append", theFull, "append", theLong, "append", "\n", "end"});
+  EXPECT_THAT(theProgram.Read("out.txt"),
+              MatchesRegex("NAME: box \\(log started\\)\n" + std::string(kPrefix) + "1b{4096}a{10000}\n"));
+}
+
+TEST(WritesOfAFile, AMessageThatIsBegunIsInAFileThatIsClosed) {
+  ScratchFolder theFolder;
+  qvLog_Term();
+  qvFileLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "text", 4);
+  theLogger.CloseFile();
+  theLogger.Append_S(&theRecord, "lost", 4);
+  theLogger.EndLog(&theRecord);
+  EXPECT_EQ("text", ReadWholeFile(theFolder.File("out.txt")));
+}
+
+TEST(WritesOfAFile, AStreamWithoutADescriptorIsWrittenTo) {
+  char theText[64] = {};
+  qvLog_Term();
+  qvFileLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fmemopen(theText, sizeof(theText), "w");
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "text\n", 5);
+  theLogger.EndLog(&theRecord);
+  EXPECT_STREQ("text\n", theText);
+}
+
+TEST(WritesOfAFile, WhatTheApplicationLeftInTheStreamComesFirst) {
+  ScratchFolder theFolder;
+  qvLog_Term();
+  qvFileLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  fputs("first ", theLogger.mFile);
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "second\n", 7);
+  theLogger.EndLog(&theRecord);
+  EXPECT_EQ("first second\n", ReadWholeFile(theFolder.File("out.txt")));
+}
