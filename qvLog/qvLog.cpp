@@ -5,6 +5,7 @@
 #include <sched.h>
 
 #include "qvLog/qvLogFork_p.h"
+#include "qvLog/qvLogRefusals_p.h"
 #include "qvLog/qvLogger_File.h"
 #include "qvLog/qvLogger_Func.h"
 #include "qvLog/qvLogger_qvLogd.h"
@@ -254,8 +255,11 @@ int qvLog_WillLog(qvLogLevel aLevel, qvLogModule aModule) {
 }
 
 qvLogData* qvLog_Begin(qvLogLevel aLevel, qvLogModule aModule) {
+  if (!qvLog_S_PassesGate(aLevel) || qvLogRefusals_Have(aLevel, aModule)) {
+    return NULL;
+  }
   qvErrnoKeeper theErrnoKeeper;
-  if (!qvLog_S_PassesGate(aLevel) || !Log_Init()) {
+  if (!Log_Init()) {
     return NULL;
   }
   qvLogDataEx* theRecord = qvLog_S_ResetRecord(aLevel, aModule);

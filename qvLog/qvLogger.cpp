@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "qvLog/qvLogRefusals_p.h"
 #include "qvLog/qvLoggerConfig_p.h"
 #include "qvLog/qvMainLogger_p.h"
 #include "qvraTools/format/qvFormat.h"
@@ -32,6 +33,7 @@ void qvLogger::AddLogger(qvLogger* aLogger) {
   LockFramework();
   aLogger->mNext = sHead;
   sHead = aLogger;
+  qvLogRefusals_Forget();
   UnlockFramework();
 }
 
@@ -45,6 +47,7 @@ void qvLogger::RemoveLogger(qvLogger* aLogger) {
     *theLink = aLogger->mNext;
     aLogger->mNext = NULL;
   }
+  qvLogRefusals_Forget();
   UnlockFramework();
 }
 
@@ -61,6 +64,7 @@ void qvLogger::ChangeLevel(qvLogLevel aLevel) {
     return;
   }
   mLevel = aLevel;
+  qvLogRefusals_Forget();
   // A logger outside the chain may be made while there is no framework, and no gate to keep.
   qvMainLogger* theMainLogger = qvMainLogger::Current();
   if (theMainLogger != NULL) {
@@ -101,4 +105,7 @@ void qvLogger::Append_S(qvLogDataEx*, const char*, size_t) {}
 
 void qvLogger::EndLog(qvLogDataEx*) {}
 
-void qvLogger::ReloadConfig() { memset(mModulesInfo, 0, sizeof(mModulesInfo)); }
+void qvLogger::ReloadConfig() {
+  memset(mModulesInfo, 0, sizeof(mModulesInfo));
+  qvLogRefusals_Forget();
+}

@@ -1,5 +1,6 @@
 #include "qvLog/qvMainLogger_p.h"
 
+#include "qvLog/qvLogRefusals_p.h"
 #include "qvLog/qvLoggerPieces_p.h"
 #include "qvLog/qvLoggerText_p.h"
 #include "qvraTools/qvMalloc.h"
@@ -42,6 +43,7 @@ static void qvMainLogger_S_ForEachTaking(qvLogDataEx* aRecord, Call aCall) {
 }
 
 qvMainLogger::~qvMainLogger() {
+  qvLogRefusals_Forget();
   if (_gfqvLog_gDataInitialized && _qvLog_gData.mFormatted != NULL) {
     _gfqvLog_gDataInitialized = 0;
     qvFree(_qvLog_gData.mFormatted);
@@ -58,7 +60,10 @@ void qvMainLogger::LeaveParentsMessage() {
 
 unsigned int qvMainLogger::ForkCount() { return sForkCount; }
 
-void qvMainLogger::Setup() { qvMainLogger_S_SetGate(0); }
+void qvMainLogger::Setup() {
+  qvMainLogger_S_SetGate(0);
+  qvLogRefusals_Forget();
+}
 
 bool qvMainLogger::WillLog(qvLogLevel aLevel, qvLogModule aModule) {
   bool theResult = false;
@@ -79,11 +84,16 @@ bool qvMainLogger::WillLog(qvLogLevel aLevel, qvLogModule aModule) {
 bool qvMainLogger::BeginLog(qvLogDataEx* aRecord) {
   const unsigned int theForkCount = sForkCount;
   bool theResult = false;
+  bool theIsWanted = false;
   qvMainLogger_S_ForEachTaking(aRecord, [&](qvLogger* aLogger) {
+    theIsWanted = true;
     if (aLogger->BeginLog(aRecord)) {
       theResult = true;
     }
   });
+  if (!theIsWanted) {
+    qvLogRefusals_Add(aRecord->mLevel, aRecord->mModule);
+  }
   theResult = theResult && sForkCount == theForkCount;
   if (theResult) {
     mLogData = aRecord;
