@@ -1,4 +1,4 @@
-// Runs the unit tests and lets each allocation of the library fail, once and for good. The process must say
+// Runs the unit tests and lets allocations of the library fail, once and for good. The process must say
 // so on both streams and end by the abort signal, and nothing else. Then the same for a program that opens,
 // sets and saves settings: what it leaves must be the old settings or the new ones.
 #include <signal.h>
@@ -17,6 +17,11 @@
 #include "support/ScratchFolder.h"
 
 namespace {
+
+// Allocations of a test that are tried one by one. Few tests have more than those of a night, and what
+// happens at their thousands is much the same.
+constexpr const char* kFirstPointsAtMerge = "16";
+constexpr const char* kFirstPointsAtNight = "1000";
 
 // The tests of a program, as SUITE.TEST.
 std::vector<std::string> TestsOf(const std::string& aProgram) {
@@ -41,7 +46,8 @@ void StarveTest(Experiment* anExperiment, const std::string& aProgram, const std
   const std::string theReportFile = theFolder.File("report");
   WriteWholeFile(theReportFile, std::string(sizeof(StarvationReport), '\0'));
   std::vector<std::string> theEnvironment = {std::string(kStarvationReport) + "=" + theReportFile};
-  theEnvironment.push_back(kStarvationSample + std::string(anExperiment->IsNight() ? "" : "=1"));
+  theEnvironment.push_back(std::string(kStarvationSample) + "=" +
+                           (anExperiment->IsNight() ? kFirstPointsAtNight : kFirstPointsAtMerge));
   ChildResult theResult = RunProgram(aProgram, {"--gtest_filter=" + aTest}, theEnvironment);
   const std::string theBytes = ReadWholeFile(theReportFile);
   const StarvationReport* theReport = reinterpret_cast<const StarvationReport*>(theBytes.data());

@@ -25,14 +25,12 @@ void StopPlannedCalls() __attribute__((weak));
 
 namespace {
 
-constexpr unsigned kLimit = 10;        // seconds until a child that hangs is ended
-constexpr size_t kFirstPoints = 16;    // of a sample, tried one by one
-constexpr size_t kSampleThinning = 8;  // behind them, each gap is a share of the index
+constexpr unsigned kLimit = 10;  // seconds until a child that hangs is ended
 constexpr size_t kTextSize = 200;
 constexpr size_t kThreadWords = 256;  // of the description of a thread, among which its number is
 
 StarvationReport* sReport = nullptr;
-bool sfSample = false;
+size_t sFirstPoints = 0;  // of a sample; 0: all points are tried
 std::atomic<size_t> sIndex{0};
 std::atomic<size_t> sNextPoint{0};
 std::atomic<bool> sfStarved{false};   // the allocation that was to fail has failed
@@ -43,7 +41,8 @@ bool sfStarveFromNowOn = false;
 // Maps the report before the first test.
 __attribute__((constructor)) void MapReport() {
   const char* thePath = getenv(kStarvationReport);
-  sfSample = getenv(kStarvationSample) != nullptr;
+  const char* theSample = getenv(kStarvationSample);
+  sFirstPoints = theSample != nullptr ? strtoul(theSample, nullptr, 10) : 0;
   int theFile = thePath != nullptr ? open(thePath, O_RDWR | O_CLOEXEC) : -1;
   if (theFile >= 0) {
     void* theMemory = mmap(nullptr, sizeof(StarvationReport), PROT_READ | PROT_WRITE, MAP_SHARED, theFile, 0);
@@ -168,11 +167,11 @@ bool FailsHere(const char* aKind, size_t aSize) {
   if (sReport == nullptr || theIndex < sNextPoint || IsTraced()) {
     return false;
   }
-  sNextPoint =
-      sfSample && theIndex >= kFirstPoints ? theIndex + 1 + theIndex / kSampleThinning : theIndex + 1;
-  // A sample has one of the two for each point.
-  return ((!sfSample || theIndex % 2 == 0) && TryPoint(false, aKind, aSize)) ||
-         ((!sfSample || theIndex % 2 == 1) && TryPoint(true, aKind, aSize));
+  // Behind the first points of a sample, each gap is a share of the index, and one of the two is tried.
+  const bool theSampled = sFirstPoints > 0 && theIndex >= sFirstPoints;
+  sNextPoint = theIndex + 1 + (theSampled ? theIndex * 2 / sFirstPoints : 0);
+  return ((!theSampled || theIndex % 2 == 0) && TryPoint(false, aKind, aSize)) ||
+         ((!theSampled || theIndex % 2 == 1) && TryPoint(true, aKind, aSize));
 }
 
 }  // namespace

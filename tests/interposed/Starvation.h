@@ -21,7 +21,7 @@ bool HasStarved();
 // A program with the name of a report in its environment splits off a child at each allocation of the
 // library: there the allocation fails, and the child must end as it is to, while the program goes on.
 constexpr const char* kStarvationReport = "STARVATION_REPORT";
-// When this is set, only the first allocations and fewer and fewer of the later ones are tried.
+// When this is set, only so many of the first allocations are tried, and fewer and fewer of the later ones.
 constexpr const char* kStarvationSample = "STARVATION_SAMPLE";
 
 // The report's file, which the starved program maps.
