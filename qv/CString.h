@@ -54,6 +54,7 @@ struct QVLOG_API qvCStringData {
     return reinterpret_cast<qvCStringData*>(const_cast<char*>(qvEmptyCString)) - 1;
   }
 
+  /* Where the characters are: behind the header, or where a static text is. */
   char* StringPtr() {
     if (mAllocatedLength > kqvCStringData_MaxAllocatedLength) {
       char* thePtr;
@@ -93,8 +94,10 @@ struct QVLOG_API qvCStringData {
   void Free();
 };
 
+/* A text of bytes that its copies share until one of them is changed. */
 class QVLOG_API qvCString {
  public:
+  /* No position; as a length, all that is there. */
   static const size_t npos = static_cast<size_t>(-1);
 
   /* What ValidateUTF8 does; combined with |. */
@@ -109,6 +112,7 @@ class QVLOG_API qvCString {
 
   qvCString() : mStringPtr(const_cast<char*>(qvEmptyCString)), mCStringData(qvCStringData::OfEmptyText()) {}
 
+  /* A copy of the text; null is the empty text. */
   qvCString(const char* aStr);
 
   /* The first aLength bytes of aStr, zero bytes included. */
@@ -143,6 +147,7 @@ class QVLOG_API qvCString {
   /* Becomes exactly this one character; '\0' gives the length 1 as well. */
   qvCString& operator=(char aChar);
 
+  /* Exchanges the texts of two strings; nothing is copied. */
   void Swap(qvCString& aCString) {
     char* theStringPtr = mStringPtr;
     qvCStringData* theCStringData = mCStringData;
@@ -165,6 +170,7 @@ class QVLOG_API qvCString {
   const char* c_str() const { return mStringPtr; }
   operator const char*() const { return mStringPtr; }
 
+  /* Bytes, the terminator not counted. */
   size_t length() const { return mCStringData->mStringLength; }
   bool IsEmpty() const { return mCStringData->mStringLength == 0; }
 
@@ -196,6 +202,7 @@ class QVLOG_API qvCString {
 
   /* --- Appending --- */
 
+  /* The argument may be the string itself or a part of its text; null adds nothing. */
   qvCString& operator+=(const qvCString& aCString) {
     ConcatSelf(aCString.length(), aCString.mStringPtr, npos);
     return *this;
@@ -311,6 +318,7 @@ class QVLOG_API qvCString {
   int Find(char aChar, bool afFromEnd = false) const;
   int First(char aChar) const { return Find(aChar, false); }
 
+  /* Whether the text occurs in the string; the empty text does. */
   bool Contains(const char* aStr) const;
   bool Contains(const qvCString& aCString) const;
 
@@ -372,8 +380,8 @@ class QVLOG_API qvCString {
 
   /* --- The text; to look at, not to change --- */
 
-  char* mStringPtr; /* always mCStringData->StringPtr() */
-  qvCStringData* mCStringData;
+  char* mStringPtr;            /* always mCStringData->StringPtr() */
+  qvCStringData* mCStringData; /* counts and lengths of the text that is shared */
 
  protected:
   /* What every change is made of. */

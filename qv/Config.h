@@ -14,6 +14,7 @@
 #include "qvraTools/qvConfigFile.h"
 #include "qvraTools/qvStringSubstitution.h"
 
+// The settings of a component in two layers.
 class QVLOG_API qvConfig {
  public:
   // Never fails: a missing file is an empty layer. Without a write directory there is no read-write layer:
@@ -42,6 +43,7 @@ class QVLOG_API qvConfig {
   uint16 GetUInt16(const char* aSection, const char* aKey, uint32 aDefaultValue) const;
   uint8 GetUInt8(const char* aSection, const char* aKey, uint32 aDefaultValue) const;
 
+  // Sets a value in the read-write layer; false without one.
   bool SetString(const char* aSection, const char* aKey, const qvCString& aValue);
   // Deletes the key when aValue is empty.
   bool SetStringIfNotEmpty(const char* aSection, const char* aKey, const qvCString& aValue);
@@ -78,7 +80,7 @@ class QVLOG_API qvConfig {
                         qvCString& aReadPath, qvCString& aWritePath, bool afCreate) const;
 
  protected:
-  qvConfigFile* mConfigFile;
+  qvConfigFile* mConfigFile;  // null for a derived class that opens its files itself
 };
 
 #endif

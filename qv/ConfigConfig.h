@@ -10,6 +10,7 @@
 #include "qv/Config.h"
 #include "qvOS/qvTypes.h"
 
+// The bootstrap file: where the settings are.
 class QVLOG_API qvConfigConfig : public qvConfig {
  public:
   // aFileName without directory, such as "ConfigPath.ini".

@@ -19,6 +19,7 @@ QVLOG_API size_t qvGrowingBuffer_NewBufferSize(size_t aUsedSize, size_t aNeededS
 
 QV_END_DECLS
 
+/* A block of bytes that grows at its end. */
 class QVLOG_API qvGrowingBuffer {
  public:
   /* Allocates a block of aInitialSize bytes, none for 0. */
@@ -57,10 +58,10 @@ class QVLOG_API qvGrowingBuffer {
    * is no block, and for an empty one that is cut. The buffer is empty and usable afterwards. */
   char* TakeOwnership(bool afShrink = true, size_t* aLength = NULL);
 
-  char* mPtr;   /* the block, owned; null when there is none */
-  size_t mSize; /* bytes allocated                           */
-  size_t mPos;  /* bytes used                                */
-  qvGrowingBuffer_NewBufferSizeFunc mNewBufferSizeFunc;
+  char* mPtr;                                           /* the block, owned; null when there is none */
+  size_t mSize;                                         /* bytes allocated                           */
+  size_t mPos;                                          /* bytes used                                */
+  qvGrowingBuffer_NewBufferSizeFunc mNewBufferSizeFunc; /* the growth rule */
 };
 
 #endif

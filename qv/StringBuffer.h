@@ -17,10 +17,11 @@ class QVLOG_API qvCStringBuffer {
   qvCStringBuffer(const qvCStringBuffer&) = delete;
   qvCStringBuffer& operator=(const qvCStringBuffer&) = delete;
 
+  /* The room to write into. */
   operator char*() { return mBuffer; }
 
-  qvCString& mString;
-  char* mBuffer; /* belongs to mString */
+  qvCString& mString; /* the string that lends its room */
+  char* mBuffer;      /* belongs to mString */
 };
 
 #endif

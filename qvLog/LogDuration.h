@@ -38,6 +38,7 @@ class QVLOG_API qvLogDuration {
   // the format is wrong.
   static char* qvLogDuration_F(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 
+  // What the constructor was given, whether the start was logged, and the stopwatch.
   qvLogLevel mLogLevel;
   qvLogModule mLogModule;
   int mLogType;
@@ -51,6 +52,7 @@ class QVLOG_API qvLogDuration {
 #define QVLOGDURATION_LEVEL QVLOGLEVEL_INFO
 #endif
 
+// --- The statements.
 // QVLOG_START(module, F(format, ...)) and its sisters make such an object for the rest of the scope; module
 // is a bare name as in QVLOG_INFO. Several may stand in one scope, each in a line of its own. They are
 // compiled in if the level above is below QVLOGLEVEL; off at run time, they do not evaluate the arguments of

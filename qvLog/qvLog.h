@@ -31,10 +31,10 @@ QV_BEGIN_DECLS
 
 /* One message, as clients and callbacks see it. */
 typedef struct qvLogData {
-  qvLogLevel mLevel;
-  qvLogModule mModule;
-  const char* mFile; /* source file of the call site, or null */
-  uint32 mLine;      /* source line of the call site, or 0 */
+  qvLogLevel mLevel;   /* of the message; never a threshold */
+  qvLogModule mModule; /* QVLOG_M_ and a name, or any number */
+  const char* mFile;   /* source file of the call site, or null */
+  uint32 mLine;        /* source line of the call site, or 0 */
 } qvLogData;
 
 /* Receives a finished message: the cookie given at registration, the record, and aLength bytes of text. Only
@@ -77,7 +77,7 @@ QVLOG_API void qvLog_Append_FML(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2)
 QVLOG_API void qvLog_Append_FN(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 /* A hex dump of aLength bytes, 16 a line under a header line. aBuffer may be null when aLength is 0. */
 QVLOG_API void qvLog_Append_B(const void* aBuffer, size_t aLength);
-/* At most aLength wide characters, and about 400 bytes; those below 32 or above 127 appear as \uXXXX. */
+/* At most aLength wide characters, and about 400 bytes; those below 32 or above 127 appear as "\uXXXX". */
 QVLOG_API void qvLog_Append_U(const wchar_t* aUnicodeStr, size_t aLength);
 
 /* Makes every logger forget its module decisions, so that the configuration file is read again. */
@@ -102,10 +102,9 @@ QVLOG_API void qvLog_SetLogFunc(qvLogLevel aLevel, qvLog_LogFunc aFunc, void* aC
 
 QV_END_DECLS
 
-/* The gates of a log statement. At compile time _qvLog_LogMe, a constant for a constant level; at run time
- * _qvLog_IsLevelOn, one relaxed load and one comparison, inline. Only behind both is anything called or any
- * argument of the message evaluated. */
-
+/* The gates of a log statement. At compile time _qvLog_LogMe, a constant for a constant level; at run
+ * time _qvLog_IsLevelOn, one relaxed load and one comparison, inline. Only behind both is anything called or
+ * any argument of the message evaluated. */
 #if QVLOGLEVEL == 0
 #define _qvLog_LogMe(aLevel, aModule) 0
 #elif QVLOGLEVEL >= 65535
@@ -113,7 +112,6 @@ QV_END_DECLS
 #else
 #define _qvLog_LogMe(aLevel, aModule) ((qvLogLevel)(aLevel) < QVLOGLEVEL)
 #endif
-
 #if defined(__GNUC__)
 #define _qvLog_IsLevelOn(aLevel) ((aLevel) < __atomic_load_n(&_qvLog_Level, __ATOMIC_RELAXED))
 #else
@@ -156,8 +154,8 @@ QV_END_DECLS
   do {                 \
   } while (0)
 
-/* One pair of statements for each level: QVLOG_ERR(TUNER, F("...")) takes a bare module name,
- * _QVLOG_ERR(QVLOG_M_TUNER, F("...")) a module number. */
+/* --- One pair of statements for each level: QVLOG_ERR(TUNER, F("...")) takes a bare module name,
+ * _QVLOG_ERR(QVLOG_M_TUNER, F("...")) a module number. --- */
 #if QVLOGLEVEL_ERROR < QVLOGLEVEL
 #define QVLOG_ERR(aModule, f)  QVXLOG(QVLOGLEVEL_ERROR, QVLOG_M_##aModule, f)
 #define _QVLOG_ERR(aModule, f) QVXLOG(QVLOGLEVEL_ERROR, aModule, f)

@@ -15,6 +15,7 @@
 /* The severity of one message; held by a logger or a gate it is a threshold. */
 typedef uint16 qvLogLevel;
 
+/* The levels of messages, and thresholds. */
 #define QVLOGLEVEL_NONE    0 /* as a threshold: nothing passes; as a message it prints like an error */
 #define QVLOGLEVEL_ERROR   1
 #define QVLOGLEVEL_WARNING 2
@@ -31,6 +32,7 @@ typedef uint16 qvLogLevel;
 #define QVLOGLEVEL 0
 #endif
 
+/* For clients that ask for it; the rule above knows no other form. */
 #define QVLOG_COMPILE_TIME_LEVEL_LESS_THEN /* sic */ 0
 
 #endif

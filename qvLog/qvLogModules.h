@@ -8,6 +8,7 @@
 
 #include "qvOS/qvTypes.h"
 
+/* The number of a module. */
 typedef uint16 qvLogModule;
 
 /* The size of the module table in each logger. */

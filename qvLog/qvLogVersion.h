@@ -17,6 +17,7 @@
 
 QV_BEGIN_DECLS
 
+/* The version of these headers in its parts. */
 #define QVLOG_VERSION_MAJOR 1
 #define QVLOG_VERSION_MINOR 0
 #define QVLOG_VERSION_PATCH 0

@@ -24,6 +24,7 @@ struct qvLogDataEx : public qvLogData {
   const char* mFormattedSource;  // the format whose expansion it holds
 };
 
+// An output. See the top of this header.
 class QVLOG_API qvLogger {
  public:
   enum { OPT_NO_CONFIG = 1 };                   // mOptions: never touches the configuration file
@@ -69,6 +70,7 @@ class QVLOG_API qvLogger {
   // The configuration file may have changed. The base forgets its module decisions.
   virtual void ReloadConfig();
 
+  // The threshold.
   qvLogLevel GetLevel() const { return mLevel; }
   // Sets the threshold and keeps the process-wide gate in step. The caller holds the framework lock.
   void ChangeLevel(qvLogLevel aLevel);
@@ -82,6 +84,7 @@ class QVLOG_API qvLogger {
   static void RemoveLogger(qvLogger* aLogger);  // ignored when it is not in the chain
   static void DeleteAllLoggers();
 
+  // Of the calling process and thread; cut to 32 bits.
   static uint32 CurrentProcessId();
   static uint32 CurrentThreadId();
   // The program's name, or the process id in hexadecimal digits; decided once. Static, at most 63 characters.
@@ -121,10 +124,10 @@ class QVLOG_API qvLogger {
 
   static qvLogger* sHead;  // the first logger of the chain, or null
 
-  const char* mName;
-  qvLogLevel mLevel;
-  qvLogger* mNext;
-  uint32 mOptions;
+  const char* mName;                      // and the section of the settings
+  qvLogLevel mLevel;                      // the threshold
+  qvLogger* mNext;                        // in the chain, or null
+  uint32 mOptions;                        // OPT_ bits
   uint8 mModulesInfo[QVLOG_MAX_MODULES];  // 0: not decided yet
 };
 

@@ -16,6 +16,7 @@
 
 #include "qvLog/qvLogger.h"
 
+// The file logger. See the top of this header.
 class QVLOG_API qvFileLogger : public qvLogger {
  public:
   // Fails an assertion when the one instance exists already. The caller holds the framework lock.

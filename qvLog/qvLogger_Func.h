@@ -10,12 +10,13 @@
 
 // One registered callback.
 struct qvLoggerFuncEntry {
-  qvLoggerFuncEntry* mNext;
-  qvLogLevel mLevel;  // it receives a message of level L if L < mLevel
-  qvLog_LogFunc mFunc;
-  void* mCookie;
+  qvLoggerFuncEntry* mNext;  // the next older one, or null
+  qvLogLevel mLevel;         // it receives a message of level L if L < mLevel
+  qvLog_LogFunc mFunc;       // never null
+  void* mCookie;             // its first argument; the client's
 };
 
+// The callback logger. See the top of this header.
 class QVLOG_API qvFuncLogger : public qvLogger {
  public:
   // Fails an assertion when the one instance exists already. The caller holds the framework lock.

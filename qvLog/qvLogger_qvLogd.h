@@ -16,8 +16,10 @@
 
 #include "qvLog/qvLogger.h"
 
+// The log daemon logger. See the top of this header.
 class QVLOG_API qvLogdLogger : public qvLogger {
  public:
+  // How far the connection is.
   enum State { State_Disconnected = 0, State_Connecting = 1, State_Connected = 2 };
 
   // Fails an assertion when the one instance exists already. The caller holds the framework lock.
@@ -33,6 +35,7 @@ class QVLOG_API qvLogdLogger : public qvLogger {
   // Reads the settings and closes the connection; the next message looks the target up again.
   void ReloadConfig() override;
 
+  // Whether the connection stands.
   virtual bool IsConnected();
   // The system's send, without a signal when the connection is broken. Returns how many bytes it took, or -1
   // with the reason in errno.
@@ -51,18 +54,18 @@ class QVLOG_API qvLogdLogger : public qvLogger {
 
   static qvLogdLogger* sInstance;  // the one instance, or null
 
-  State mState;
+  State mState;                   // of the connection
   struct sockaddr_storage mAddr;  // the resolved target
-  size_t mAddrLen;
-  int mSocket;             // -1: none
-  qvCString mTargetStr;    // the target as it was last looked up
-  unsigned int mLostLogs;  // messages lost since the last report
-  char mLastChar;          // the last byte sent; a prefix is written only after a line end
-  bool mfHasAddress;       // mAddr is valid; false after a reload
-  int mfBlocking;
-  char* mBuffer;  // the bytes of the current message; kept and grown from message to message
-  size_t mBufferLen;
-  size_t mBufferAllocLen;
+  size_t mAddrLen;                // bytes of it that count
+  int mSocket;                    // -1: none
+  qvCString mTargetStr;           // the target as it was last looked up
+  unsigned int mLostLogs;         // messages lost since the last report
+  char mLastChar;                 // the last byte sent; a prefix is written only after a line end
+  bool mfHasAddress;              // mAddr is valid; false after a reload
+  int mfBlocking;                 // log calls wait for the daemon
+  char* mBuffer;                  // the bytes of the current message; kept and grown from message to message
+  size_t mBufferLen;              // how many there are
+  size_t mBufferAllocLen;         // how many have room
   // Identifies this instance, the same for all its connections. A child process is another instance; it gets
   // its own with its first connection.
   char mUUIDStr[37];

@@ -21,6 +21,7 @@ QV_BEGIN_DECLS
 #define qvDIR_DOTDOT  0x0008 /* "." and "..", as well            */
 #define qvDIR_DEFAULT (qvDIR_FILES | qvDIR_DIRS | qvDIR_HIDDEN)
 
+/* Results of a traverser. */
 #define kqvDirTraverserStatus_NoError 0
 #define kqvDirTraverserStatus_Error   1
 

@@ -43,6 +43,7 @@ typedef int32 qvFileSeekMode;
 typedef uint32 qvFileAttributes;
 #define kqvFileAttribute_Hidden 1
 
+/* No descriptor, and no position. */
 #define kqvFileFDInvalid     ((qvFileFD)-1)
 #define kqvFileOffsetInvalid ((qvFileOffset)-1)
 

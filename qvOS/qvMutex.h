@@ -9,11 +9,13 @@
 
 #include "qvOS/qvTypes.h"
 
+/* Results of the functions below. */
 #define qvMutex_Status_NoError 0
 #define qvMutex_Status_Error   1
 
 QV_BEGIN_DECLS
 
+/* A mutex; made and released by the functions below only. */
 typedef struct qvMutex_t qvOSMutex;
 
 /* A new mutex that nobody holds; null when memory or the system's mutexes run out. */

@@ -10,6 +10,7 @@ QV_BEGIN_DECLS
 /* The next number, 0 to RAND_MAX. */
 QVLOG_API int qvOSRand_Rand(void);
 
+/* The sequence that starts at this seed. */
 QVLOG_API void qvOSRand_SetSeed(uint32 aSeed);
 
 QV_END_DECLS

@@ -9,12 +9,14 @@
 
 #include "qvOS/qvTypes.h"
 
+/* Results of the functions below. */
 #define qvSemaphore_Status_NoError 0
 #define qvSemaphore_Status_TimeOut 1
 #define qvSemaphore_Status_Error   2
 
 QV_BEGIN_DECLS
 
+/* A semaphore; made and released by the functions below only. */
 typedef struct qvSemaphore_t qvOSSemaphore;
 
 /* A new semaphore that holds anInitialValue counts; null when memory runs out or the system refuses the

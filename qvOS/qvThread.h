@@ -16,20 +16,26 @@
 
 QV_BEGIN_DECLS
 
+/* Results of the functions below. */
 #define qvThread_Status_NoError 0
 #define qvThread_Status_Error   1
 
+/* Stack sizes that are no number of bytes. */
 #define qvThread_StackSize_Default       0 /* 128 KiB */
 #define qvThread_StackSize_SystemDefault 1
 
+/* A joinable thread is waited for, a detached one releases itself. */
 #define qvThread_Kind_Joinable 0
 #define qvThread_Kind_Detached 1
 
+/* How a thread is scheduled. */
 #define qvThread_Scheduling_Default  0
 #define qvThread_Scheduling_Realtime 1 /* carried, but not acted upon on this platform */
 
+/* A thread; made and released by the functions below only. */
 typedef struct qvThread_t qvOSThread;
 
+/* What a thread runs, with the argument that it was made with. */
 typedef void (*qvThread_Func)(void* aThreadArgs);
 
 /* What qvThread_New is to make. It is copied; the caller may drop it at once. */

@@ -15,6 +15,7 @@ typedef struct qvtimeval {
   int32 tv_usec; /* microseconds */
 } qvtimeval;
 
+/* The time zone of the process. */
 typedef struct qvtimezone {
   int32 tz_minuteswest; /* minutes EAST of Greenwich, despite the name: +60 for Central Europe */
   int32 tz_dsttime;     /* 60 while daylight saving time is in force, otherwise 0              */

@@ -6,6 +6,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* Integers of a fixed width. */
 typedef int8_t int8;
 typedef int16_t int16;
 typedef int32_t int32;
@@ -23,6 +24,7 @@ typedef uint64_t qvuint64_t;
 /* An int that several threads change; read and written with the compiler's atomic operations only. */
 typedef int qvAtomic_int;
 
+/* The largest uint32. */
 #define kqvuint32_max 0xffffffffUL
 
 /* Marks what the library exports. Everything else is hidden. */
@@ -32,6 +34,7 @@ typedef int qvAtomic_int;
 #define QVLOG_API
 #endif
 
+/* Begins a function in a header, in C and in C++. */
 #define QVLOG_INLINE __inline static
 
 /* Lets the compiler check the arguments of a printf-like function against its format. aFormat and aFirst

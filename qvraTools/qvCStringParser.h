@@ -11,18 +11,21 @@
 
 QV_BEGIN_DECLS
 
+/* A part of the text, between two delimiters or at an end. */
 typedef struct qvCStringParser_Token qvCStringParser_Token;
 
+/* Callers may read the fields. */
 struct qvCStringParser_Token {
-  const char* mData; /* in the caller's text; not terminated */
-  size_t mDataLength;
-  qvCStringParser_Token* mNextToken; /* null in the last token */
+  const char* mData;                 /* in the caller's text; not terminated */
+  size_t mDataLength;                /* bytes                                */
+  qvCStringParser_Token* mNextToken; /* null in the last token               */
 };
 
+/* The tokens of a text in their order; callers may read the fields. */
 typedef struct qvCStringParser_TokenList {
-  qvCStringParser_Token* mFirstToken;
-  qvCStringParser_Token* mLastToken;
-  size_t mTokenCount;
+  qvCStringParser_Token* mFirstToken; /* null without tokens */
+  qvCStringParser_Token* mLastToken;  /* null without tokens */
+  size_t mTokenCount;                 /* of all tokens       */
 } qvCStringParser_TokenList;
 
 /* The tokenizers return a new list, released with qvCStringParser_Delete. n delimiters give n + 1 tokens, and

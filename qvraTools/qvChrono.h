@@ -9,6 +9,7 @@
 #include "qvOS/qvTypes.h"
 #include "qvraTools/qvLongLong.h"
 
+/* A stopwatch; callers may read the fields. */
 typedef struct qvChrono_t {
   qvULongLong mStartTime; /* when counting notionally began, on the monotonic clock */
   qvULongLong mPauseTime; /* what the watch showed when it was paused last */

@@ -21,13 +21,15 @@
 
 QV_BEGIN_DECLS
 
+/* The table of functions of a kind of settings files. */
 typedef struct qvConfigFileBackend_t qvConfigFileBackend;
 
 /* The start of every back-end's own object. */
 typedef struct qvConfigFile_t {
-  qvConfigFileBackend* mBackend;
+  qvConfigFileBackend* mBackend; /* what made it, and what it is handed to */
 } qvConfigFile;
 
+/* The types of the functions in the table; each does what the function of its name below says. */
 typedef qvConfigFile* (*qvConfigFile_NewFunc)(qvConfigFileBackend* aBackend, const char* aReadOnlyFileName,
                                               const char* aReadWriteFileName, const char* aFileName);
 typedef void (*qvConfigFile_DeleteFunc)(qvConfigFile* aConfigFile);
@@ -63,6 +65,7 @@ typedef void (*qvConfigFile_ReleaseBackend)(qvConfigFileBackend* aBackend);
  * mCreatePath makes one directory with its parents. */
 struct qvConfigFileBackend_t {
   qvConfigFile_NewFunc mNew; /* null when the object cannot be made */
+  /* Each for the function of its name below; the last releases the table. */
   qvConfigFile_DeleteFunc mDelete;
   qvConfigFile_ResetFunc mReset;
   qvConfigFile_SaveFunc mSave;

@@ -15,11 +15,11 @@ QV_BEGIN_DECLS
 
 /* What a qvConfigFile made by this back-end is. */
 typedef struct qvConfigFile_INI_t {
-  qvConfigFileBackend* mBackend;
-  char* mROFileName;           /* full name, or null */
-  char* mRWFileName;           /* full name, or null */
-  qvDictionary* mRODictionary; /* never null */
-  qvDictionary* mRWDictionary; /* null when no read-write name was given */
+  qvConfigFileBackend* mBackend; /* the table of this back-end */
+  char* mROFileName;             /* full name, or null */
+  char* mRWFileName;             /* full name, or null */
+  qvDictionary* mRODictionary;   /* never null */
+  qvDictionary* mRWDictionary;   /* null when no read-write name was given */
 } qvConfigFile_INI;
 
 /* The table, with one more reference, which the caller gives back through qvConfigFile_INI_ReleaseBackend. */

@@ -29,6 +29,7 @@
 #include "qvOS/qvTypes.h"
 #include "qvraTools/qvLongLong.h"
 
+/* Results of the parsers; a positive one is the position of other text behind the number. */
 #define kqvConvertError_None      0
 #define kqvConvertError_RangeHigh (-1)
 #define kqvConvertError_RangeLow  (-2)
@@ -53,7 +54,7 @@ QVLOG_API int qvConvert_strntoint8(const char* aStr, size_t aStrLength, int8* an
 QVLOG_API int qvConvert_strntoint16(const char* aStr, size_t aStrLength, int16* anInt16);
 QVLOG_API int qvConvert_strntoint32(const char* aStr, size_t aStrLength, int32* anInt32);
 
-/* ---- Unsigned numbers ---- */
+/* ---- Unsigned numbers, with no sign but one '+'; the results stand at the top of this header ---- */
 QVLOG_API int qvConvert_strtouint8(const char* aStr, uint8* anUInt8);
 QVLOG_API int qvConvert_strtouint16(const char* aStr, uint16* anUInt16);
 QVLOG_API int qvConvert_strtouint32(const char* aStr, uint32* anUInt32);
@@ -138,6 +139,7 @@ QVLOG_API int qvConvert_buffertohexstr(const uint8* aBuffer, size_t aBufferLengt
 QVLOG_API int qvConvert_hexstrntobuffer(const char* aStr, size_t aStrLength, size_t aWordSize,
                                         int aDestEndianess, uint8** aBuffer, size_t* aBufferLength);
 
+/* The bytes in the opposite order. */
 QVLOG_API uint16 qvConvert_SwapUInt16(uint16 aValue);
 QVLOG_API uint32 qvConvert_SwapUInt32(uint32 aValue);
 

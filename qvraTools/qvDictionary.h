@@ -17,6 +17,7 @@ QV_BEGIN_DECLS
 /* The smallest number of slots, and how many are added when all are in use. */
 #define kqvDictionary_DefaultHashSize 8
 
+/* A slot; callers may read the fields. */
 typedef struct qvDictionaryEntry_t {
   char* mKey;   /* never null; the empty text marks a free slot */
   uint32 mHash; /* of the key; 0 in a free slot */
@@ -25,9 +26,9 @@ typedef struct qvDictionaryEntry_t {
 
 /* Slots 0 to mEntryCount - 1 are in use, in order; the others are free and hold empty texts of their own. */
 typedef struct qvDictionary_t {
-  size_t mSize; /* slots allocated */
-  qvDictionaryEntry* mEntries;
-  size_t mEntryCount; /* slots in use */
+  size_t mSize;                /* slots allocated */
+  qvDictionaryEntry* mEntries; /* the slots       */
+  size_t mEntryCount;          /* slots in use    */
 } qvDictionary;
 
 /* A new dictionary with aHashTableSize free slots, at least kqvDictionary_DefaultHashSize. */
@@ -49,6 +50,7 @@ QVLOG_API void qvDictionary_WriteKey(qvDictionary* aDictionary, const char* aKey
 /* Removes aKey; the entries behind it move one place down. An absent key is ignored. */
 QVLOG_API void qvDictionary_DeleteKey(qvDictionary* aDictionary, const char* aKey);
 
+/* How many keys there are. */
 QVLOG_API size_t qvDictionary_GetEntryCount(const qvDictionary* aDictionary);
 
 /* The key and the value of the entry at anIndex; an index outside 0 to count - 1 fails an assertion. */

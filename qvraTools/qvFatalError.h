@@ -6,6 +6,7 @@
 
 QV_BEGIN_DECLS
 
+/* Takes the reason of a fatal error. */
 typedef void (*qvFatalErrorCallBack)(const char* aReason);
 
 /* Never returns: writes "qvFatalError: " and the reason to standard error and to standard output ("unknown

@@ -12,14 +12,16 @@
 
 #include "qvOS/qvTypes.h"
 
+/* A signed number. */
 typedef struct qvLongLong_t {
-  uint32 mLow;
+  uint32 mLow; /* bits 0 to 31     */
   int32 mHigh; /* carries the sign */
 } qvLongLong;
 
+/* An unsigned number. */
 typedef struct qvULongLong_t {
-  uint32 mLow;
-  uint32 mHigh;
+  uint32 mLow;  /* bits 0 to 31  */
+  uint32 mHigh; /* bits 32 to 63 */
 } qvULongLong;
 
 /* Initialisers, high word first: qvLongLong theValue = qvLongLong_Init(-1, 0xFFFFFFFE);  is -2 */
@@ -52,6 +54,7 @@ extern QVLOG_API const qvULongLong _qvULongLong_Max_impl; /* 2^64 - 1 */
 
 /* ---- Signed ---- */
 
+/* Stores a number, given in two words or in one. */
 QVLOG_API void qvLongLong_Set(qvLongLong* aLongLong, int32 aHigh, uint32 aLow);
 QVLOG_API void qvLongLong_SetInt32(qvLongLong* aLongLong, int32 anInt32);
 
@@ -110,10 +113,12 @@ QVLOG_API int qvLongLong_SetFromString(qvLongLong* aLongLong, const char* aStr);
 
 /* ---- Unsigned ---- */
 
+/* Stores a number, given in two words. */
 QVLOG_API void qvULongLong_Set(qvULongLong* aULongLong, uint32 aHigh, uint32 aLow);
 /* The 64 bits of a file offset. */
 QVLOG_API void qvULongLong_SetFileOffset(qvULongLong* aULongLong, int64 anOffset);
 
+/* The sum modulo 2^64; 1 when it was cut, else 0. */
 QVLOG_API int qvULongLong_Add(qvULongLong* aULongLong, const qvULongLong* aULongLongToAdd);
 QVLOG_API int qvULongLong_AddUInt32(qvULongLong* aULongLong, uint32 anUInt32);
 
@@ -121,6 +126,7 @@ QVLOG_API int qvULongLong_AddUInt32(qvULongLong* aULongLong, uint32 anUInt32);
 QVLOG_API void qvULongLong_Sub(qvULongLong* aULongLong, const qvULongLong* aULongLongToSub);
 QVLOG_API void qvULongLong_SubUInt32(qvULongLong* aULongLong, uint32 anUInt32);
 
+/* The product modulo 2^64; 1 when it was cut, else 0. */
 QVLOG_API int qvULongLong_Mult(qvULongLong* aULongLong, const qvULongLong* aMultiplier);
 
 /* Div keeps the quotient, Mod the remainder. Neither can overflow: the result is always 0. */

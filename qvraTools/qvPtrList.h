@@ -10,9 +10,11 @@
 
 QV_BEGIN_DECLS
 
+/* A list and its nodes; callers may read the fields. */
 typedef struct qvPtrList qvPtrList;
 typedef struct qvPtrListNode qvPtrListNode;
 
+/* Releases an item. */
 typedef void (*qvPtrListFreeFunc)(void* aData);
 
 /* Called with each node; 0 goes on, any other value ends the iteration. */
@@ -24,6 +26,7 @@ typedef uint32 (*qvPtrListIterateFunction)(qvPtrListNode* aNode, void* aContext)
 #define kqvPtrListAction_Remove   1
 #define kqvPtrListAction_Found    2
 
+/* A place in a list. */
 struct qvPtrListNode {
   void* mData;          /* the item                                        */
   qvPtrListNode* mNext; /* null at the end                                 */
@@ -31,8 +34,9 @@ struct qvPtrListNode {
   qvPtrList* mList;     /* the list that holds the node; null when detached */
 };
 
+/* The nodes in their order. */
 struct qvPtrList {
-  size_t mCount;
+  size_t mCount;               /* nodes                           */
   qvPtrListNode* mFirstNode;   /* null when the list is empty        */
   qvPtrListNode* mLastNode;    /* null when the list is empty        */
   qvPtrListFreeFunc mFreeFunc; /* null: the items are not owned    */
@@ -47,6 +51,7 @@ QVLOG_API qvPtrList* qvPtrList_NewCount(size_t aCount);
 /* Deletes every node (the free function is applied) and the list; null is ignored. */
 QVLOG_API void qvPtrList_Delete(qvPtrList* aList);
 
+/* How many nodes there are. */
 QVLOG_API size_t qvPtrList_GetCount(qvPtrList* aList);
 
 /* Null means that the items are not owned. */

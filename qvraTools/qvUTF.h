@@ -14,6 +14,7 @@
 
 QV_BEGIN_DECLS
 
+/* Every byte is the character of its number. */
 QVLOG_API char* qvUTF_ISO88591ToUTF8(const char* anIn, size_t aLength);
 
 /* A character that ISO-8859-1 does not have and that takes three or more bytes becomes one '?', and one byte
