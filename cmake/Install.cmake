@@ -1,9 +1,12 @@
-# Headers, library, the CMake package qvLog and qvLog.pc.
+# Headers, library, the CMake package qvLog, qvLog.pc and the guides, each in the component that it belongs to.
 
 include(CMakePackageConfigHelpers)
 
+# What is not said to belong elsewhere is for those who compile.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
+
 install(TARGETS qvLog EXPORT qvLogTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 if(QVLOG_BUILD_STATIC AND BUILD_SHARED_LIBS)
   install(TARGETS qvLog_archive ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -35,5 +38,13 @@ endif()
 configure_file(${PROJECT_SOURCE_DIR}/packaging/qvLog.pc.in ${PROJECT_BINARY_DIR}/qvLog.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvLog.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
-install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+if(QVLOG_INSTALL_DOCUMENTATION)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+  file(GLOB theGuides CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+  install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+  install(FILES ${theGuides} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation PATTERN CMakeLists.txt EXCLUDE)
+endif()

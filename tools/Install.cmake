@@ -1,4 +1,6 @@
-# Both programs, their manual pages, the units of the collector and configurations for log engines that it forwards to.
+# Both programs, their manual pages, the units of the collector, and examples for what works with it.
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME collector)
 
 # An installed tree may be moved: the programs find the library beside themselves.
 set_target_properties(qvlogd PROPERTIES
@@ -8,10 +10,12 @@ set_target_properties(qvlogcat PROPERTIES
 install(TARGETS qvlogd RUNTIME DESTINATION ${CMAKE_INSTALL_SBINDIR})
 install(TARGETS qvlogcat RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-foreach(thePage qvlogcat.1 qvlogd.ini.5 qvlogd.8)
-  string(REGEX MATCH ".$" theSection ${thePage})
-  install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${thePage} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${theSection})
-endforeach()
+if(QVLOG_INSTALL_DOCUMENTATION)
+  foreach(thePage qvlogcat.1 qvlogd.ini.5 qvlogd.8)
+    string(REGEX MATCH ".$" theSection ${thePage})
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${thePage} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${theSection})
+  endforeach()
+endif()
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/completions/qvlogd ${PROJECT_SOURCE_DIR}/packaging/completions/qvlogcat
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
@@ -20,8 +24,10 @@ configure_file(${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.service.in
   ${PROJECT_BINARY_DIR}/qvlogd.service @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvlogd.service ${PROJECT_SOURCE_DIR}/packaging/systemd/qvlogd.socket
   DESTINATION ${QVLOG_UNIT_DIR})
-install(FILES ${PROJECT_SOURCE_DIR}/packaging/systemd/journal.conf DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/systemd)
 
+set(QVLOG_COLLECTOR_DOCDIR ${CMAKE_INSTALL_DOCDIR} CACHE STRING "Where the examples for other log engines go")
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/systemd/journal.conf
+  DESTINATION ${QVLOG_COLLECTOR_DOCDIR}/examples/systemd)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/rsyslog ${PROJECT_SOURCE_DIR}/packaging/syslog-ng
   ${PROJECT_SOURCE_DIR}/packaging/logrotate ${PROJECT_SOURCE_DIR}/packaging/lnav
-  DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+  DESTINATION ${QVLOG_COLLECTOR_DOCDIR}/examples)
