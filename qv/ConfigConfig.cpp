@@ -18,10 +18,10 @@ namespace {
 
 // What distinguishes the kinds of brand identifiers.
 struct BrandKind {
-  const char* mName;               // of the kind and of its key
-  const char* mFallback;           // when neither key nor variable has a value
+  char mName[7];                   // of the kind and of its key
+  char mFallback[10];              // when neither key nor variable has a value
   bool mfTakesVariableOrFallback;  // false: an empty key stays empty
-  const char* mVariableSuffix;     // put behind the variable's value
+  char mVariableSuffix[2];         // put behind the variable's value
 };
 
 const BrandKind kqvConfigConfig_BrandKinds[] = {

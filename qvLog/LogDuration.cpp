@@ -10,8 +10,8 @@
 namespace {
 
 struct DurationWords {
-  const char* mStart;
-  const char* mEnd;
+  char mStart[11];
+  char mEnd[10];
 };
 
 // Indexed by kqvLogDuration_*.

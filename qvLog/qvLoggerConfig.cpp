@@ -115,7 +115,7 @@ static qvCString qvLoggerConfig_S_LevelWord(const qvCString& aDefault) {
 }
 
 struct qvLoggerLevelWord {
-  const char* mWord;
+  char mWord[8];
   qvLogLevel mThreshold;
 };
 

@@ -19,8 +19,8 @@
 static __thread int sfThisThreadIsTracing __attribute__((tls_model("initial-exec"))) = 0;
 
 static int qvFatalError_S_IsOutOfMemory(const char* aReason) {
-  static const char* const kReasons[] = {"memory:malloc", "memory:realloc", "memory:strdup", "memory:wcsdup"};
-  for (const char* theReason : kReasons) {
+  static const char kReasons[][15] = {"memory:malloc", "memory:realloc", "memory:strdup", "memory:wcsdup"};
+  for (const char(&theReason)[15] : kReasons) {
     if (strcmp(aReason, theReason) == 0) {
       return 1;
     }
