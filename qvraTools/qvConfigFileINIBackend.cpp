@@ -2,8 +2,6 @@
 
 #include <pthread.h>
 
-#include <mutex>
-
 #include "qvOS/qvDir.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/qvAssert.h"
@@ -19,7 +17,7 @@ static qvAtomic_int sReferenceCount = 0;
 static qvAtomic_int sfReady = 0;
 // Closes the gap between seeing the table ready and being counted: without it, the last release could free
 // the table in between.
-static std::mutex sTableLock;
+static pthread_mutex_t sTableLock = PTHREAD_MUTEX_INITIALIZER;
 
 namespace {
 
@@ -253,8 +251,8 @@ static qvConfigFileBackend* qvConfigFile_INI_S_NewTable(void) {
 
 // A fork waits until no thread is between taking and giving back the lock: nobody could give it back in the
 // child.
-static void qvConfigFile_INI_S_LockTable() { sTableLock.lock(); }
-static void qvConfigFile_INI_S_UnlockTable() { sTableLock.unlock(); }
+static void qvConfigFile_INI_S_LockTable() { pthread_mutex_lock(&sTableLock); }
+static void qvConfigFile_INI_S_UnlockTable() { pthread_mutex_unlock(&sTableLock); }
 
 static void qvConfigFile_INI_S_InstallForkHandlers() {
   pthread_atfork(qvConfigFile_INI_S_LockTable, qvConfigFile_INI_S_UnlockTable,
@@ -269,21 +267,20 @@ void qvConfigFile_INI_S_WatchForks(void) {
 // Takes the lock of the table; gives a new table when none is ready, which the caller uses or frees. It is
 // made without the lock: if there is no memory for it, that is logged, and the logger's settings come from
 // the table.
-static qvConfigFileBackend* qvConfigFile_INI_S_LockWithSpare(std::unique_lock<std::mutex>* aLock) {
+static qvConfigFileBackend* qvConfigFile_INI_S_LockWithSpare(void) {
   qvConfigFileBackend* theSpare = NULL;
-  aLock->lock();
+  qvConfigFile_INI_S_LockTable();
   while (theSpare == NULL && !__atomic_load_n(&sfReady, __ATOMIC_SEQ_CST)) {
-    aLock->unlock();
+    qvConfigFile_INI_S_UnlockTable();
     theSpare = qvConfigFile_INI_S_NewTable();
-    aLock->lock();
+    qvConfigFile_INI_S_LockTable();
   }
   return theSpare;
 }
 
 qvConfigFileBackend* qvConfigFile_INI_GetBackend(void) {
   qvConfigFile_INI_S_WatchForks();
-  std::unique_lock<std::mutex> theLock(sTableLock, std::defer_lock);
-  qvConfigFileBackend* theSpare = qvConfigFile_INI_S_LockWithSpare(&theLock);
+  qvConfigFileBackend* theSpare = qvConfigFile_INI_S_LockWithSpare();
   int theBuilt = 0;
   while (!__atomic_load_n(&sfReady, __ATOMIC_SEQ_CST)) {
     if (__atomic_add_fetch(&sReferenceCount, 1, __ATOMIC_SEQ_CST) == 1) {
@@ -296,20 +293,24 @@ qvConfigFileBackend* qvConfigFile_INI_GetBackend(void) {
   if (!theBuilt) {
     __atomic_add_fetch(&sReferenceCount, 1, __ATOMIC_SEQ_CST);
   }
+  qvConfigFileBackend* theBackend = sqvConfigFileINIBackend;
+  qvConfigFile_INI_S_UnlockTable();
   qvFree(theSpare);  // another thread was quicker
-  return sqvConfigFileINIBackend;
+  return theBackend;
 }
 
 void qvConfigFile_INI_ReleaseBackend(qvConfigFileBackend* aConfigFilebackend) {
-  std::unique_lock<std::mutex> theLock(sTableLock);
+  qvConfigFile_INI_S_LockTable();
   if (__atomic_sub_fetch(&sReferenceCount, 1, __ATOMIC_SEQ_CST) == 0 &&
       __atomic_load_n(&sfReady, __ATOMIC_SEQ_CST)) {
     if (aConfigFilebackend != sqvConfigFileINIBackend) {
-      theLock.unlock();  // a failing assertion logs, and the logger's settings come from this table
+      // A failing assertion logs, and the logger's settings come from this table.
+      qvConfigFile_INI_S_UnlockTable();
     }
     qvAssert(aConfigFilebackend == sqvConfigFileINIBackend);
     __atomic_store_n(&sfReady, 0, __ATOMIC_SEQ_CST);
     sqvConfigFileINIBackend = NULL;
     qvFree(aConfigFilebackend);
   }
+  qvConfigFile_INI_S_UnlockTable();
 }

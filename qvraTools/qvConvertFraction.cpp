@@ -27,6 +27,7 @@ struct FractionParts {
   char mAfterDenominator;
 };
 
+constexpr double kAllAreWhole = 9007199254740992;  // 2 to the power of 53; from here on every double is whole
 constexpr char kSentinel = '\a';  // stands behind the text, so that the last item can be told to be the last
 
 }  // namespace
@@ -74,7 +75,13 @@ static int qvConvert_S_ScanFraction(const char* aStr, FractionParts* aParts) {
   return theCount;
 }
 
-static bool qvConvert_S_IsWhole(double aDouble) { return isfinite(aDouble) && trunc(aDouble) == aDouble; }
+// Without trunc, for which the library would need that of mathematics.
+static bool qvConvert_S_IsWhole(double aDouble) {
+  if (!(fabs(aDouble) < kAllAreWhole)) {
+    return isfinite(aDouble);
+  }
+  return static_cast<double>(static_cast<long long>(aDouble)) == aDouble;
+}
 
 // a/b: the number before the slash is the numerator, the one behind it comes as mNumerator.
 static bool qvConvert_S_IsPlainFraction(const FractionParts& aParts) {
