@@ -1,5 +1,5 @@
-/* client.c - logs one line from C99 into a callback that prints it, and tells which version it was compiled for and
- * runs with. The compile-time level is its builder's. */
+/* client.c - logs one line from C99 into a callback that prints it, and tells which version it was compiled
+ * for and runs with. The compile-time level is its builder's. */
 #include <qvLog/qvLog.h>
 #include <qvLog/qvLogVersion.h>
 #include <stdio.h>
