@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <pthread.h>
 #include <sched.h>
+#include <string.h>
 
 #include "qvLog/qvLogFork_p.h"
 #include "qvLog/qvLogRefusals_p.h"
@@ -35,8 +36,9 @@ static int sThisThreadAlreadyLogging = 0;  // inside a message; written by the h
 // A log statement must not change errno: its arguments, which often hold errno, are evaluated after
 // qvLog_Begin.
 struct qvErrnoKeeper {
-  int mErrno = errno;
-  ~qvErrnoKeeper() { errno = mErrno; }
+  int* mPlace = &errno;  // the thread stays the same
+  int mErrno = *mPlace;
+  ~qvErrnoKeeper() { *mPlace = mErrno; }
 };
 
 static void CreateLoggers() {
@@ -234,7 +236,7 @@ static bool qvLog_S_PassesGate(qvLogLevel aLevel) { return _qvLog_IsLevelOn(aLev
 static qvLogDataEx* qvLog_S_ResetRecord(qvLogLevel aLevel, qvLogModule aModule) {
   char* theFormatted = _qvLog_gData.mFormatted;
   int32 theSizeofFormatted = _qvLog_gData.mSizeofFormatted;
-  _qvLog_gData = qvLogDataEx();
+  memset(&_qvLog_gData, 0, sizeof(_qvLog_gData));
   _qvLog_gData.mFormatted = theFormatted;
   _qvLog_gData.mSizeofFormatted = theSizeofFormatted;
   _qvLog_gData.mLevel = aLevel;

@@ -88,15 +88,21 @@ static bool qvLogger_S_ReadModuleSwitch(qvLogger* aLogger, qvLogModule aModule) 
   return aLogger->GetConfig(theKey, static_cast<int32>(theDefault)) > 0;
 }
 
+// Not inline: the answer that is remembered, which each call of a message asks for, then needs no stack.
+static __attribute__((noinline)) bool qvLogger_S_DecideModule(qvLogger* aLogger, qvLogModule aModule) {
+  const bool theActive = qvLogger_S_ReadModuleSwitch(aLogger, aModule);
+  aLogger->mModulesInfo[aModule] =
+      theActive ? (qvLogger::MODULE_SEEN | qvLogger::MODULE_ACTIVE) : qvLogger::MODULE_SEEN;
+  return theActive;
+}
+
 bool qvLogger::IsModuleActive(qvLogModule aModule) {
   if (aModule >= QVLOG_MAX_MODULES) {
     return true;
   }
-  uint8& theInfo = mModulesInfo[aModule];
-  if ((theInfo & MODULE_SEEN) == 0) {
-    theInfo = qvLogger_S_ReadModuleSwitch(this, aModule) ? (MODULE_SEEN | MODULE_ACTIVE) : MODULE_SEEN;
-  }
-  return (theInfo & MODULE_ACTIVE) != 0;
+  const uint8 theInfo = mModulesInfo[aModule];
+  return (theInfo & MODULE_SEEN) != 0 ? (theInfo & MODULE_ACTIVE) != 0
+                                      : qvLogger_S_DecideModule(this, aModule);
 }
 
 bool qvLogger::BeginLog(qvLogDataEx*) { return false; }

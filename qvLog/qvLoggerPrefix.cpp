@@ -64,11 +64,16 @@ const char* qvLogger::CurrentProcessName() {
 }
 
 const char* qvLogger::CurrentThreadName() {
-  static char sName[kqvLogger_ThreadNameSize];
+  static char sName[kqvLogger_ThreadNameSize] = "00000000";
+  static uint32 sId = 0;
   uint32 theId = CurrentThreadId();
-  for (int i = kqvLogger_ThreadDigits - 1; i >= 0; --i) {
-    sName[i] = "0123456789abcdef"[theId & 0x0F];
-    theId >>= 4;
+  // Most lines are written by the thread of the last one.
+  if (theId != sId) {
+    sId = theId;
+    for (int i = kqvLogger_ThreadDigits - 1; i >= 0; --i) {
+      sName[i] = "0123456789abcdef"[theId & 0x0F];
+      theId >>= 4;
+    }
   }
   return sName;
 }

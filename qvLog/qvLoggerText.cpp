@@ -22,7 +22,7 @@ struct qvLoggerSharedCall {
 };
 static qvLoggerSharedCall sSharedCall;
 
-static void qvLoggerText_S_CopyArgs(char* aBytes, va_list anArgs) {
+static inline void qvLoggerText_S_CopyArgs(char* aBytes, va_list anArgs) {
   va_list theArgs;
   va_copy(theArgs, anArgs);
   memcpy(aBytes, &theArgs, sizeof(va_list));
