@@ -1,8 +1,9 @@
 /* qvDictionary.h - a small map from text to text that keeps its entries in the order of their first writing.
  *
- * The entries lie in one array and are searched from its start, each with a stored hash that rejects most
- * mismatches. That suits the tens of entries of a settings file; every operation is linear in the number of
- * slots. A dictionary has no lock: it belongs to one thread at a time.
+ * The entries lie in one array, for callers to read but not to change. A few are searched from the start of
+ * the array, each with a stored hash that rejects most mismatches; with the ninth comes an index behind the
+ * dictionary's fields, so that a key is found as quickly among thousands. Deleting is linear in the number of
+ * entries. A dictionary has no lock: it belongs to one thread at a time.
  *
  * Texts that these functions return point into the dictionary: they live until their entry is changed or
  * deleted, or until the dictionary is deleted. Dictionaries and keys that are handed over must not be null;

@@ -4,23 +4,52 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
+
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvConvert.h"
+#include "qvraTools/qvDictionary_p.h"
 #include "qvraTools/qvINIFile_p.h"
 #include "qvraTools/qvMalloc.h"
 
 #define kqvINIFile_NumberBufferSize 128 /* bytes; holds every number as text */
 #define kqvINIFile_VariableMark     '%'
 
-// The default of a lookup whose coming back means that the key is missing.
-static const char sqvINIFile_Missing[] = "";
-
-void qvINIFile_S_ToLower(char* aDest, const char* aSource) {
-  while (*aSource != '\0') {
-    *aDest++ = static_cast<char>(tolower(static_cast<unsigned char>(*aSource++)));
+// What tolower does with ASCII characters in the usual locales, a word at a time; the last word overlaps the
+// one before it. Returns false at a byte that is no such character. A sum sets the highest bit of each byte
+// that is at least 'A', or beyond 'Z'.
+template <class Word>
+static bool qvINIFile_S_WordsToLower(char* aDest, const char* aSource, size_t aLength) {
+  constexpr Word kEveryByte = static_cast<Word>(-1) / 0xFF;
+  for (size_t i = 0; i < aLength; i += sizeof(Word)) {
+    const size_t theStart = std::min(i, aLength - sizeof(Word));
+    Word theWord;
+    memcpy(&theWord, aSource + theStart, sizeof(Word));
+    if ((theWord & kEveryByte * 0x80) != 0) {
+      return false;
+    }
+    const Word theFrom = theWord + kEveryByte * (0x80 - 'A');
+    const Word theBeyond = theWord + kEveryByte * (0x80 - 'Z' - 1);
+    theWord |= (theFrom & ~theBeyond & kEveryByte * 0x80) >> 2;
+    memcpy(aDest + theStart, &theWord, sizeof(Word));
   }
-  *aDest = '\0';
+  return true;
+}
+
+void qvINIFile_S_ToLower(char* aDest, const char* aSource, size_t aLength) {
+  aDest[aLength] = '\0';
+  // Turkish locales have another small letter for 'I'; that tells them from the usual ones.
+  if (tolower('I') == 'i') {
+    if (aLength >= sizeof(size_t)
+            ? qvINIFile_S_WordsToLower<size_t>(aDest, aSource, aLength)
+            : aLength >= sizeof(uint32) && qvINIFile_S_WordsToLower<uint32>(aDest, aSource, aLength)) {
+      return;
+    }
+  }
+  for (size_t i = 0; i < aLength; ++i) {
+    aDest[i] = static_cast<char>(tolower(static_cast<unsigned char>(aSource[i])));
+  }
 }
 
 int qvINIFile_S_IsSection(const char* aDictionaryKey) {
@@ -36,40 +65,57 @@ const char* qvINIFile_S_GetKeyOfSection(const char* aDictionaryKey, const char* 
   return aDictionaryKey + aSectionLength + 1;
 }
 
-static const char* qvINIFile_S_SectionOrDefault(const char* aSection) {
+const char* qvINIFile_S_SectionOrDefault(const char* aSection) {
   return qvStrEmpty(aSection) ? kqvINIFile_DefaultSectionName : aSection;
 }
 
-static void qvINIFile_S_ComposeSection(const char* aSection, char* aDictionaryKey) {
+static size_t qvINIFile_S_ComposeSection(const char* aSection, char* aDictionaryKey) {
   aSection = qvINIFile_S_SectionOrDefault(aSection);
   qvAssert(strlen(aSection) < kqvINIFile_SectionMaxLength);
-  qvINIFile_S_ToLower(aDictionaryKey, aSection);
+  const size_t theLength = strlen(aSection);
+  qvINIFile_S_ToLower(aDictionaryKey, aSection, theLength);
+  return theLength;
 }
 
-// Puts the dictionary key of a section's key into a buffer of kqvINIFile_HashTableKeyMaxLength bytes. Writes
-// the section's own entry on the way when aSectionHome is the dictionary rather than null.
-static void qvINIFile_S_ComposeKey(const char* aSection, const char* aKey, qvDictionary* aSectionHome,
-                                   char* aDictionaryKey) {
+// Most sections are there, as they should be, whenever one of their keys is read or written.
+static void qvINIFile_S_WriteSection(qvDictionary* aDictionary, const char* aSection, size_t aLength) {
+  const size_t theSlot = qvDictionary_S_FindSlot(aDictionary, aSection, aLength);
+  if (theSlot == kqvDictionary_NoSlot || aDictionary->mEntries[theSlot].mValue[0] != '\0') {
+    const qvDictionaryKey theKey = {aSection, aLength,
+                                    qvDictionary_S_FinishHash(qvDictionary_S_HashOn(0, aSection, aLength))};
+    qvDictionary_S_Put(aDictionary, &theKey, "", 0);
+    qvDictionary_S_FinishPuts(aDictionary);
+  }
+}
+
+// Puts the dictionary key of a section's key into a buffer of kqvINIFile_HashTableKeyMaxLength bytes and
+// returns its length. Writes the section's own entry on the way when aSectionHome is the dictionary rather
+// than null.
+static size_t qvINIFile_S_ComposeKey(const char* aSection, const char* aKey, qvDictionary* aSectionHome,
+                                     char* aDictionaryKey) {
   if (aKey == NULL) {
-    qvINIFile_S_ComposeSection(aSection, aDictionaryKey);
-    return;
+    return qvINIFile_S_ComposeSection(aSection, aDictionaryKey);
   }
   aSection = qvINIFile_S_SectionOrDefault(aSection);
   qvAssert((strlen(aSection) < kqvINIFile_SectionMaxLength) && (strlen(aKey)) < kqvINIFile_SectionMaxLength);
-  qvINIFile_S_ToLower(aDictionaryKey, aSection);
+  const size_t theLength = strlen(aSection);
+  const size_t theKeyLength = strlen(aKey);
+  qvINIFile_S_ToLower(aDictionaryKey, aSection, theLength);
+  aDictionaryKey[theLength] = kqvINIFIle_SectionSeparator;
+  qvINIFile_S_ToLower(aDictionaryKey + theLength + 1, aKey, theKeyLength);
+  // Both are composed before anything is looked up: bytes that have just been written are slow to read as
+  // words.
   if (aSectionHome != NULL) {
-    qvDictionary_WriteKey(aSectionHome, aDictionaryKey, NULL);
+    qvINIFile_S_WriteSection(aSectionHome, aDictionaryKey, theLength);
   }
-  char* theEnd = aDictionaryKey + strlen(aDictionaryKey);
-  *theEnd = kqvINIFIle_SectionSeparator;
-  qvINIFile_S_ToLower(theEnd + 1, aKey);
+  return theLength + 1 + theKeyLength;
 }
 
 // A section's name in lower case, which a lookup compares with; released by the caller. No limit applies: a
 // name that is too long for any entry just finds nothing.
 static char* qvINIFile_S_NewFoldedSection(const char* aSection) {
   char* theSection = qvStrdup(qvINIFile_S_SectionOrDefault(aSection));
-  qvINIFile_S_ToLower(theSection, theSection);
+  qvINIFile_S_ToLower(theSection, theSection, strlen(theSection));
   return theSection;
 }
 
@@ -133,10 +179,10 @@ const char* qvINIFile_ReadKeyAsString(qvDictionary* aDictionary, const char* aSe
   char theDictionaryKey[kqvINIFile_HashTableKeyMaxLength];
   // KEEP qvINIFileKept.ReadingAKeyAddsItsSection
   // A read adds the section that it looks in, empty. It looks like an oversight; saved files show the header.
-  qvINIFile_S_ComposeKey(aSection, aKey, aDictionary, theDictionaryKey);
-  const char* theValue = qvDictionary_ReadKey(aDictionary, theDictionaryKey, sqvINIFile_Missing);
-  *afValueFound = theValue != sqvINIFile_Missing;
-  return *afValueFound ? theValue : aDefaultValue;
+  const size_t theLength = qvINIFile_S_ComposeKey(aSection, aKey, aDictionary, theDictionaryKey);
+  const size_t theSlot = qvDictionary_S_FindSlot(aDictionary, theDictionaryKey, theLength);
+  *afValueFound = theSlot != kqvDictionary_NoSlot;
+  return *afValueFound ? aDictionary->mEntries[theSlot].mValue : aDefaultValue;
 }
 
 int qvINIFile_ReadKeyAsBool(qvDictionary* aDictionary, const char* aSection, const char* aKey,
@@ -252,21 +298,13 @@ int qvINIFile_DeleteSection(qvDictionary* aDictionary, const char* aSection) {
   }
   aSection = qvINIFile_S_SectionOrDefault(aSection);
   qvAssert((strlen(aSection) < kqvINIFile_SectionMaxLength));
-  char theSection[kqvINIFile_SectionMaxLength];
+  char thePrefix[kqvINIFile_SectionMaxLength + 1];
   char theGivenName[kqvINIFile_SectionMaxLength];
-  qvINIFile_S_ToLower(theSection, aSection);
   strcpy(theGivenName, aSection);  // aSection may lie in an entry that goes
-  size_t theLength = strlen(theSection);
-  size_t theIndex = 0;
-  while (theIndex < qvDictionary_GetEntryCount(aDictionary)) {
-    const char* theDictionaryKey = qvDictionary_GetKeyAtIndex(aDictionary, theIndex);
-    if (qvINIFile_S_GetKeyOfSection(theDictionaryKey, theSection, theLength) != NULL) {
-      // The entries behind it move down, so the next one is at this index now.
-      qvDictionary_DeleteKey(aDictionary, theDictionaryKey);
-    } else {
-      ++theIndex;
-    }
-  }
+  const size_t theLength = strlen(aSection);
+  qvINIFile_S_ToLower(thePrefix, aSection, theLength);
+  thePrefix[theLength] = kqvINIFIle_SectionSeparator;
+  qvDictionary_S_DeleteKeysWith(aDictionary, thePrefix, theLength + 1);
   // KEEP qvINIFileKept.DeleteSectionKeepsTheEntryOfANameWithCapitals
   // The name is not folded here, so only a lower-case name removes the section's own entry.
   qvDictionary_DeleteKey(aDictionary, theGivenName);

@@ -4,137 +4,190 @@
 
 #include "qvOS/qvFile_p.h"
 #include "qvraTools/qvAssert.h"
-#include "qvraTools/qvConvert.h"
+#include "qvraTools/qvDictionary_p.h"
 #include "qvraTools/qvINIFile.h"
 #include "qvraTools/qvINIFile_p.h"
 #include "qvraTools/qvMalloc.h"
 
-#define kqvINIFile_ByteOrderMark    "\xEF\xBB\xBF"
-#define kqvINIFile_CommentChars     ";#"
-#define kqvINIFile_NameMaxLength    (kqvINIFile_SectionMaxLength - 1) /* bytes; longer names are cut */
-#define kqvINIFile_NoMaximum        ((size_t)-1)
-#define kqvINIFile_LineBreaks       "\n\r"
-#define kqvINIFile_EscapeChar       '\\'
-#define kqvINIFile_ByteOrderMarkLen 3
+#define kqvINIFile_ByteOrderMark "\xEF\xBB\xBF"
+#define kqvINIFile_NameMaxLength (kqvINIFile_SectionMaxLength - 1) /* bytes; longer names are cut */
+#define kqvINIFile_NoMaximum     ((size_t)-1)
+#define kqvINIFile_EscapeChar    '\\'
 
-static int qvINIFile_S_IsSpace(char aChar) { return qvConvert_isspace(static_cast<unsigned char>(aChar)); }
+namespace {
 
-// Drops white space at both ends, in place, then cuts the text to aMaxLength bytes.
-static void TrimString(char* aString, size_t aMaxLength) {
-  const char* theStart = aString;
-  while (qvINIFile_S_IsSpace(*theStart)) {
-    ++theStart;
+// A part of the text that is being loaded.
+struct Piece {
+  const char* mStart;
+  size_t mLength;
+};
+
+// What is left of the text. The characters that few texts have are looked for once in the whole of it.
+struct Rest {
+  Piece mText;
+  bool mfHasReturns;
+  bool mfHasZeros;
+};
+
+// The section whose keys are being read: what the dictionary keys of them begin with, and room for the rest.
+struct OpenSection {
+  size_t mPrefixLength;
+  uint32 mPrefixHash;  // unfinished
+  char mDictionaryKey[kqvINIFile_HashTableKeyMaxLength];
+};
+
+}  // namespace
+
+static bool qvINIFile_S_IsSpace(char aChar) { return aChar == ' ' || (aChar >= '\t' && aChar <= '\r'); }
+
+// Without white space at both ends, then cut to aMaxLength bytes.
+static Piece Trimmed(Piece aPiece, size_t aMaxLength) {
+  while (aPiece.mLength > 0 && qvINIFile_S_IsSpace(*aPiece.mStart)) {
+    ++aPiece.mStart;
+    --aPiece.mLength;
   }
-  size_t theLength = strlen(theStart);
-  while (theLength > 0 && qvINIFile_S_IsSpace(theStart[theLength - 1])) {
-    --theLength;
+  while (aPiece.mLength > 0 && qvINIFile_S_IsSpace(aPiece.mStart[aPiece.mLength - 1])) {
+    --aPiece.mLength;
   }
-  if (theLength > aMaxLength) {
-    theLength = aMaxLength;
-  }
-  memmove(aString, theStart, theLength);
-  aString[theLength] = '\0';
+  return {aPiece.mStart, aPiece.mLength < aMaxLength ? aPiece.mLength : aMaxLength};
 }
 
-// Copies the bytes from aPos up to and with the first line break into a buffer of kqvINIFile_MaxLineLength
-// bytes, as many as fit, and terminates them. Returns how many, 0 at the end of the text.
-static size_t qvINIFile_S_CopyLine(const LoadIniFileContext* aContext, size_t aPos, char* aLine) {
-  size_t theCount = 0;
-  while (aPos + theCount < aContext->mBufferSize && theCount < kqvINIFile_MaxLineLength - 1) {
-    char theChar = aContext->mBuffer[aPos + theCount];
-    aLine[theCount++] = theChar;
-    if (theChar == '\n' || theChar == '\r') {
+// Where aChar is first, or the length. An empty text may have no address.
+static size_t qvINIFile_S_IndexOf(Piece aPiece, char aChar) {
+  const void* theFound = aPiece.mLength > 0 ? memchr(aPiece.mStart, aChar, aPiece.mLength) : NULL;
+  return theFound != NULL ? static_cast<size_t>(static_cast<const char*>(theFound) - aPiece.mStart)
+                          : aPiece.mLength;
+}
+
+static Piece qvINIFile_S_UpTo(Piece aPiece, char aChar) {
+  return {aPiece.mStart, qvINIFile_S_IndexOf(aPiece, aChar)};
+}
+
+// What follows the first aCount bytes.
+static Piece qvINIFile_S_Behind(Piece aPiece, size_t aCount) {
+  return {aPiece.mStart + aCount, aPiece.mLength - aCount};
+}
+
+static Piece qvINIFile_S_WithoutMark(Piece aLine) {
+  const size_t theLength = strlen(kqvINIFile_ByteOrderMark);
+  return aLine.mLength >= theLength && memcmp(aLine.mStart, kqvINIFile_ByteOrderMark, theLength) == 0
+             ? qvINIFile_S_Behind(aLine, theLength)
+             : aLine;
+}
+
+// Takes the next line from the front of the text, without its line break: it ends behind the first one, or
+// where the line buffer of the format is full. A zero byte ends what counts of it.
+static Piece qvINIFile_S_TakeLine(Rest* aRest) {
+  const size_t theMaxLength = kqvINIFile_MaxLineLength - 1;
+  const Piece theWhole = {aRest->mText.mStart,
+                          aRest->mText.mLength < theMaxLength ? aRest->mText.mLength : theMaxLength};
+  Piece theLine = qvINIFile_S_UpTo(theWhole, '\n');
+  if (aRest->mfHasReturns) {
+    theLine = qvINIFile_S_UpTo(theLine, '\r');
+  }
+  aRest->mText = qvINIFile_S_Behind(aRest->mText, theLine.mLength + (theLine.mLength < theWhole.mLength));
+  return aRest->mfHasZeros ? qvINIFile_S_UpTo(theLine, '\0') : theLine;
+}
+
+static void qvINIFile_S_Store(OpenSection* aSection, Piece aKey, Piece aValue, qvDictionary* aDictionary) {
+  char* theText = aSection->mDictionaryKey + aSection->mPrefixLength;
+  qvINIFile_S_ToLower(theText, aKey.mStart, aKey.mLength);
+  const qvDictionaryKey theKey = {
+      aSection->mDictionaryKey, aSection->mPrefixLength + aKey.mLength,
+      qvDictionary_S_FinishHash(qvDictionary_S_HashOn(aSection->mPrefixHash, theText, aKey.mLength))};
+  qvDictionary_S_Put(aDictionary, &theKey, aValue.mStart, aValue.mLength);
+}
+
+// Writes the section's entry; an empty name is that of the default section.
+static void qvINIFile_S_Open(OpenSection* aSection, Piece aName, qvDictionary* aDictionary) {
+  if (aName.mLength == 0) {
+    aName = {kqvINIFile_DefaultSectionName, strlen(kqvINIFile_DefaultSectionName)};
+  }
+  aSection->mPrefixLength = 0;
+  aSection->mPrefixHash = 0;
+  qvINIFile_S_Store(aSection, aName, {"", 0}, aDictionary);
+  aSection->mDictionaryKey[aName.mLength] = kqvINIFIle_SectionSeparator;
+  aSection->mPrefixLength = aName.mLength + 1;
+  aSection->mPrefixHash = qvDictionary_S_HashOn(0, aSection->mDictionaryKey, aSection->mPrefixLength);
+}
+
+// Stores what is between the quotes, without the backslashes that escape. A value without its closing quote
+// runs to the end of the line.
+static void qvINIFile_S_StoreQuoted(OpenSection* aSection, Piece aKey, Piece aValue,
+                                    qvDictionary* aDictionary) {
+  char theValue[kqvINIFile_MaxLineLength];
+  size_t theLength = 0;
+  for (size_t i = 1; i < aValue.mLength && aValue.mStart[i] != aValue.mStart[0]; ++i) {
+    if (aValue.mStart[i] == kqvINIFile_EscapeChar && ++i == aValue.mLength) {
       break;
     }
+    theValue[theLength++] = aValue.mStart[i];
   }
-  aLine[theCount] = '\0';
-  return theCount;
+  qvINIFile_S_Store(aSection, aKey, {theValue, theLength}, aDictionary);
 }
 
-// Takes a header's name into aSection, which has kqvINIFile_SectionMaxLength bytes. Returns 0 when the line
-// is no header.
-static int qvINIFile_S_ParseHeader(char* aLine, char* aSection) {
-  char* theEnd = strchr(aLine, ']');
-  if (*aLine != '[' || theEnd == NULL) {
-    return 0;
+static void qvINIFile_S_StoreValue(OpenSection* aSection, Piece aKey, Piece aValue,
+                                   qvDictionary* aDictionary) {
+  aKey = Trimmed(aKey, kqvINIFile_NameMaxLength);
+  aValue = Trimmed(aValue, kqvINIFile_NoMaximum);
+  if (aValue.mLength > 0 && (*aValue.mStart == '"' || *aValue.mStart == '\'')) {
+    qvINIFile_S_StoreQuoted(aSection, aKey, aValue, aDictionary);
+    return;
   }
-  *theEnd = '\0';
-  char* theName = aLine + 1;
-  TrimString(theName, kqvINIFile_NameMaxLength);
-  memcpy(aSection, theName, strlen(theName) + 1);
-  return 1;
+  aValue = Trimmed(qvINIFile_S_UpTo(qvINIFile_S_UpTo(aValue, ';'), '#'), kqvINIFile_NoMaximum);
+  qvINIFile_S_Store(aSection, aKey, aValue, aDictionary);
 }
 
-// Takes what is between the quotes, without the backslashes that escape; in place. A value without its
-// closing quote runs to the end of the line.
-static void qvINIFile_S_ParseQuotedValue(char* aValue) {
-  const char theQuote = *aValue;
-  const char* theSource = aValue + 1;
-  char* theDest = aValue;
-  for (; *theSource != '\0' && *theSource != theQuote; ++theSource) {
-    if (*theSource == kqvINIFile_EscapeChar && *++theSource == '\0') {
-      break;
-    }
-    *theDest++ = *theSource;
-  }
-  *theDest = '\0';
+// A line without value is a key as a whole, which the public call holds to its limit.
+static void qvINIFile_S_StoreFlag(OpenSection* aSection, Piece aLine, qvDictionary* aDictionary) {
+  char theKey[kqvINIFile_MaxLineLength];
+  memcpy(theKey, aLine.mStart, aLine.mLength);
+  theKey[aLine.mLength] = '\0';
+  char* theSeparator = &aSection->mDictionaryKey[aSection->mPrefixLength - 1];
+  *theSeparator = '\0';
+  qvINIFile_WriteKeyAsString(aDictionary, aSection->mDictionaryKey, theKey, NULL);
+  *theSeparator = kqvINIFIle_SectionSeparator;
 }
 
-static void qvINIFile_S_ParseValue(char* aValue) {
-  TrimString(aValue, kqvINIFile_NoMaximum);
-  if (*aValue == '"' || *aValue == '\'') {
-    qvINIFile_S_ParseQuotedValue(aValue);
+// Stores what a trimmed line says.
+static void qvINIFile_S_LoadLine(OpenSection* aSection, Piece aLine, qvDictionary* aDictionary) {
+  if (aLine.mLength == 0 || *aLine.mStart == ';' || *aLine.mStart == '#') {
     return;
   }
-  aValue[strcspn(aValue, kqvINIFile_CommentChars)] = '\0';
-  TrimString(aValue, kqvINIFile_NoMaximum);
-}
-
-// Stores what a trimmed line says. A header changes aSection.
-static void qvINIFile_S_LoadLine(char* aLine, char* aSection, qvDictionary* aDictionary) {
-  if (*aLine == '\0' || strchr(kqvINIFile_CommentChars, *aLine) != NULL) {
+  const size_t theBracket = *aLine.mStart == '[' ? qvINIFile_S_IndexOf(aLine, ']') : aLine.mLength;
+  if (theBracket < aLine.mLength) {
+    qvINIFile_S_Open(aSection, Trimmed({aLine.mStart + 1, theBracket - 1}, kqvINIFile_NameMaxLength),
+                     aDictionary);
     return;
   }
-  if (qvINIFile_S_ParseHeader(aLine, aSection)) {
-    qvINIFile_WriteKeyAsString(aDictionary, aSection, NULL, NULL);
+  const size_t theEqual = qvINIFile_S_IndexOf(aLine, '=');
+  if (theEqual == 0) {
     return;
   }
-  char* theEqual = strchr(aLine, '=');
-  if (theEqual == aLine) {
+  if (theEqual == aLine.mLength) {
+    qvINIFile_S_StoreFlag(aSection, aLine, aDictionary);
     return;
   }
-  if (theEqual == NULL) {
-    qvINIFile_WriteKeyAsString(aDictionary, aSection, aLine, NULL);
-    return;
-  }
-  *theEqual = '\0';
-  TrimString(aLine, kqvINIFile_NameMaxLength);
-  qvINIFile_S_ParseValue(theEqual + 1);
-  qvINIFile_WriteKeyAsString(aDictionary, aSection, aLine, theEqual + 1);
+  qvINIFile_S_StoreValue(aSection, {aLine.mStart, theEqual}, qvINIFile_S_Behind(aLine, theEqual + 1),
+                         aDictionary);
 }
 
 static int qvINIFile_S_LoadINIFile(const LoadIniFileContext* aContext, qvDictionary* aDictionary) {
   qvAssert(aDictionary != NULL);
-  char theSection[kqvINIFile_SectionMaxLength] = kqvINIFile_DefaultSectionName;
-  qvINIFile_WriteKeyAsString(aDictionary, theSection, NULL, NULL);
-  char theBuffer[kqvINIFile_MaxLineLength];
-  size_t thePos = 0;
-  size_t theLineNumber = 0;
-  for (;;) {
-    size_t theCount = qvINIFile_S_CopyLine(aContext, thePos, theBuffer);
-    if (theCount == 0) {
-      return 1;
+  OpenSection theSection;
+  qvINIFile_S_Open(&theSection, {"", 0}, aDictionary);
+  const Piece theText = {aContext->mBuffer, aContext->mBufferSize};
+  Rest theRest = {theText, qvINIFile_S_IndexOf(theText, '\r') < theText.mLength,
+                  qvINIFile_S_IndexOf(theText, '\0') < theText.mLength};
+  for (bool thefFirst = true; theRest.mText.mLength > 0; thefFirst = false) {
+    Piece theLine = qvINIFile_S_TakeLine(&theRest);
+    if (thefFirst) {
+      theLine = qvINIFile_S_WithoutMark(theLine);
     }
-    thePos += theCount;
-    ++theLineNumber;
-    char* theLine = theBuffer;
-    if (theLineNumber == 1 && strncmp(theLine, kqvINIFile_ByteOrderMark, kqvINIFile_ByteOrderMarkLen) == 0) {
-      theLine += kqvINIFile_ByteOrderMarkLen;
-    }
-    theLine[strcspn(theLine, kqvINIFile_LineBreaks)] = '\0';
-    TrimString(theLine, kqvINIFile_NoMaximum);
-    qvINIFile_S_LoadLine(theLine, theSection, aDictionary);
+    qvINIFile_S_LoadLine(&theSection, Trimmed(theLine, kqvINIFile_NoMaximum), aDictionary);
   }
+  qvDictionary_S_FinishPuts(aDictionary);
+  return 1;
 }
 
 // Reads the whole open file into a new buffer, the text of the context, which the caller releases. Returns 0,

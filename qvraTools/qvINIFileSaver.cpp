@@ -7,6 +7,7 @@
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
 #include "qvraTools/qvCStringParser.h"
+#include "qvraTools/qvDictionary_p.h"
 #include "qvraTools/qvINIFile.h"
 #include "qvraTools/qvINIFile_p.h"
 #include "qvraTools/qvMalloc.h"
@@ -50,37 +51,62 @@ static void qvINIFile_S_AppendKey(SavedText* aText, const char* aKey, const char
   qvFree(theQuotedValue);
 }
 
+// Links the entries of each section, in their order: the slot behind a section's or a key's in the result is
+// that of the section's next key, or kqvDictionary_NoSlot. So each entry is looked at once, not once for each
+// section. A key belongs to the section before its first separator. The caller releases the links.
+static size_t* qvINIFile_S_NewLinks(const qvDictionary* aDictionary) {
+  const size_t theCount = aDictionary->mEntryCount;
+  size_t* theLinks = static_cast<size_t*>(qvMalloc((theCount * 2 + 1) * sizeof(size_t)));
+  size_t* theLasts = theLinks + theCount;  // by the slot of a section: its last key so far
+  for (size_t i = 0; i < theCount; ++i) {
+    theLinks[i] = kqvDictionary_NoSlot;
+    theLasts[i] = i;
+  }
+  for (size_t i = 0; i < theCount; ++i) {
+    const char* theKey = aDictionary->mEntries[i].mKey;
+    const char* theSeparator = strchr(theKey, kqvINIFIle_SectionSeparator);
+    const size_t theSection =
+        theSeparator != NULL
+            ? qvDictionary_S_FindSlot(aDictionary, theKey, static_cast<size_t>(theSeparator - theKey))
+            : kqvDictionary_NoSlot;
+    if (theSection != kqvDictionary_NoSlot) {
+      theLinks[theLasts[theSection]] = i;
+      theLasts[theSection] = i;
+    }
+  }
+  return theLinks;
+}
+
 // The parameter bears the name that the assertion prints.
-static void qvINIFile_S_AppendSection(SavedText* aText, qvDictionary* aDictionary,
-                                      const char* theSectionName) {
+static void qvINIFile_S_AppendHeader(SavedText* aText, const char* theSectionName) {
   qvAssert(strlen(theSectionName) < kqvINIFile_HashTableKeyMaxLength);
-  if (strcmp(theSectionName, kqvINIFile_DefaultSectionName) != 0) {
-    char theLine[kqvINIFile_MaxLineLength];
-    if (aText->mLength > 0) {
-      qvINIFile_S_AppendText(aText, kqvINIFile_LineEnd);
-    }
-    qv_snprintf(theLine, sizeof(theLine), "[%s]%s", theSectionName, kqvINIFile_LineEnd);
-    qvINIFile_S_AppendText(aText, theLine);
+  if (strcmp(theSectionName, kqvINIFile_DefaultSectionName) == 0) {
+    return;
   }
-  size_t theLength = strlen(theSectionName);
-  for (size_t i = 0; i < qvDictionary_GetEntryCount(aDictionary); ++i) {
-    const char* theDictionaryKey = qvDictionary_GetKeyAtIndex(aDictionary, i);
-    const char* theKey = qvINIFile_S_GetKeyOfSection(theDictionaryKey, theSectionName, theLength);
-    if (theKey != NULL) {
-      qvINIFile_S_AppendKey(aText, theKey, qvDictionary_GetValueAtIndex(aDictionary, i));
-    }
+  char theLine[kqvINIFile_MaxLineLength];
+  if (aText->mLength > 0) {
+    qvINIFile_S_AppendText(aText, kqvINIFile_LineEnd);
   }
+  qv_snprintf(theLine, sizeof(theLine), "[%s]%s", theSectionName, kqvINIFile_LineEnd);
+  qvINIFile_S_AppendText(aText, theLine);
 }
 
 // The whole text of the file; the caller releases mData.
-static SavedText qvINIFile_S_NewText(qvDictionary* aDictionary) {
+static SavedText qvINIFile_S_NewText(const qvDictionary* aDictionary) {
   SavedText theText = {NULL, 0, 0};
-  for (size_t i = 0; i < qvDictionary_GetEntryCount(aDictionary); ++i) {
-    const char* theDictionaryKey = qvDictionary_GetKeyAtIndex(aDictionary, i);
-    if (qvINIFile_S_IsSection(theDictionaryKey)) {
-      qvINIFile_S_AppendSection(&theText, aDictionary, theDictionaryKey);
+  size_t* theLinks = qvINIFile_S_NewLinks(aDictionary);
+  for (size_t i = 0; i < aDictionary->mEntryCount; ++i) {
+    const char* theSection = aDictionary->mEntries[i].mKey;
+    if (!qvINIFile_S_IsSection(theSection)) {
+      continue;
+    }
+    qvINIFile_S_AppendHeader(&theText, theSection);
+    for (size_t k = theLinks[i]; k != kqvDictionary_NoSlot; k = theLinks[k]) {
+      const char* theKey = strchr(aDictionary->mEntries[k].mKey, kqvINIFIle_SectionSeparator) + 1;
+      qvINIFile_S_AppendKey(&theText, theKey, aDictionary->mEntries[k].mValue);
     }
   }
+  qvFree(theLinks);
   return theText;
 }
 

@@ -14,8 +14,12 @@ typedef struct LoadIniFileContext_t {
   size_t mBufferSize;  /* bytes */
 } LoadIniFileContext;
 
-/* Puts aSource into aDest with tolower applied to every byte, and a terminator. aDest may be aSource. */
-void qvINIFile_S_ToLower(char* aDest, const char* aSource);
+/* Puts aLength bytes of aSource into aDest with tolower applied to every one, and a terminator. aDest may be
+ * aSource. */
+void qvINIFile_S_ToLower(char* aDest, const char* aSource, size_t aLength);
+
+/* The name when it is not empty, else that of the default section. */
+const char* qvINIFile_S_SectionOrDefault(const char* aSection);
 
 /* 1 when a dictionary key names a section: it is not empty and holds no separator. */
 int qvINIFile_S_IsSection(const char* aDictionaryKey);

@@ -39,8 +39,7 @@ void ForgetPeak() {
 
 }  // namespace
 
-void CheckWorstCall(Experiment* anExperiment, const std::string& aName, const WorstCall& aCall,
-                    double aMaxSeconds) {
+void CheckWorstCall(Experiment* anExperiment, const std::string& aName, const WorstCall& aCall) {
   const ChildResult theChild = RunInChild([&] {
     ForgetPeak();
     const size_t theBytes = ReadStatus("VmRSS");
@@ -59,7 +58,7 @@ void CheckWorstCall(Experiment* anExperiment, const std::string& aName, const Wo
   }
   fprintf(stderr, "%-50s %7.3f s %9zu KiB for %9zu KiB\n", aName.c_str(), theSeconds,
           theBytes / kBytesPerKilobyte, theResult / kBytesPerKilobyte);
-  anExperiment->Check(theSeconds <= aMaxSeconds, aName + ": took " + std::to_string(theSeconds) + " s");
+  anExperiment->Check(theSeconds <= kWorstCallSeconds, aName + ": took " + std::to_string(theSeconds) + " s");
   anExperiment->Check(
       theBytes <= kMaxTimesTheResult * theResult + kSpareBytes,
       aName + ": took " + std::to_string(theBytes) + " bytes for " + std::to_string(theResult));

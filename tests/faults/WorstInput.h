@@ -12,14 +12,11 @@
 // The call. Returns the bytes of its result.
 typedef std::function<size_t()> WorstCall;
 
-// Seconds of processor time that a call may take. The second is for functions that walk through everything
-// there is for each part of it, as they are described.
+// Seconds of processor time that a call may take.
 constexpr double kWorstCallSeconds = 2.0;
-constexpr double kWorstCallAnyTime = 1e9;
 
 // Makes the call in a process of its own and checks its time, and that it takes no more memory than four
 // times its result. aCall is made with its input at hand, so that this counts for neither.
-void CheckWorstCall(Experiment* anExperiment, const std::string& aName, const WorstCall& aCall,
-                    double aMaxSeconds = kWorstCallSeconds);
+void CheckWorstCall(Experiment* anExperiment, const std::string& aName, const WorstCall& aCall);
 
 #endif

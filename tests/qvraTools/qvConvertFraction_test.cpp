@@ -9,7 +9,7 @@
 #include "qvraTools/qvConvert.h"
 #include "qvraTools/qvLongLong.h"
 #include "qvraTools/qvMalloc.h"
-#include "support/CommaLocale.h"
+#include "support/BuiltLocale.h"
 
 namespace {
 

@@ -321,3 +321,10 @@ TEST(qvDictionaryKept, TheEmptyKeyRaisesTheCountButIsNeverFound) {
   EXPECT_EQ("2", theDictionary.Read("b"));
   EXPECT_EQ(2u, qvDictionary_GetEntryCount(theDictionary.Get()));
 }
+
+TEST(qvDictionary, ValueOfAnEmptyKeyMayBeWrittenUnderTheKeyThatTakesItsSlot) {
+  ScratchDictionary theDictionary;
+  theDictionary.Write("", "a value that is longer than most");
+  qvDictionary_WriteKey(theDictionary.Get(), "a", qvDictionary_GetValueAtIndex(theDictionary.Get(), 0));
+  EXPECT_EQ("a value that is longer than most", theDictionary.Read("a"));
+}
