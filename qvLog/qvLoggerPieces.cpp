@@ -10,7 +10,9 @@ unsigned int qvLoggerMorePieces::sDepth = 0;
 
 // By the address, which is one in the process: the library exports these classes.
 bool qvLogger_S_IsOwn(const qvLogger* aLogger) {
-  const std::type_info* theType = &typeid(*aLogger);
+  // Of a pointer's target the compiler would ask whether it is null, and throw: that takes the C++ runtime.
+  const qvLogger& theLogger = *aLogger;
+  const std::type_info* theType = &typeid(theLogger);
   return theType == &typeid(qvFileLogger) || theType == &typeid(qvLogdLogger) ||
          theType == &typeid(qvFuncLogger);
 }
