@@ -38,6 +38,14 @@ endif()
 configure_file(${PROJECT_SOURCE_DIR}/packaging/qvLog.pc.in ${PROJECT_BINARY_DIR}/qvLog.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvLog.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+# GDB loads the pretty-printers that bear the library's full name in its own tree, or beside the library.
+if(BUILD_SHARED_LIBS)
+  set(thePrinters libqvLog.so.${PROJECT_VERSION}-gdb.py)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/gdb/qvLog-gdb.py ${PROJECT_BINARY_DIR}/${thePrinters} COPYONLY)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/gdb/qvLog-gdb.py RENAME ${thePrinters}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR})
+endif()
+
 if(QVLOG_INSTALL_DOCUMENTATION)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/man/qvLog.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
