@@ -36,6 +36,20 @@ class qvFormatArguments {
     mMode = kMode_InOrder;
     return va_arg(mList, int);
   }
+  uint64 TakeNextLong(bool afSigned) {
+    mMode = kMode_InOrder;
+    long theValue = va_arg(mList, long);
+    return afSigned ? static_cast<uint64>(static_cast<int64>(theValue))
+                    : static_cast<unsigned long>(theValue);
+  }
+  uint64 TakeNextLongLong() {
+    mMode = kMode_InOrder;
+    return static_cast<uint64>(va_arg(mList, long long));
+  }
+  double TakeNextDouble() {
+    mMode = kMode_InOrder;
+    return va_arg(mList, double);
+  }
   const void* TakeNextPointer() {
     mMode = kMode_InOrder;
     return va_arg(mList, const void*);

@@ -6,14 +6,11 @@
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/format/qvFormatArguments_p.h"
 #include "qvraTools/format/qvFormatDirective_p.h"
-#include "qvraTools/format/qvFormatNumber_p.h"
+#include "qvraTools/format/qvFormatNumberOutput_p.h"
 #include "qvraTools/format/qvFormatOutput_p.h"
 #include "qvraTools/format/qvFormatSimple_p.h"
 #include "qvraTools/format/qvFormatText_p.h"
 #include "qvraTools/qvMalloc.h"
-
-// Kept out of the caller, whose stack would otherwise always hold the largest buffer.
-#define QVFORMAT_NOINLINE __attribute__((noinline))
 
 #define kqvFormat_MaxErrorPosition (INT_MAX >> 8)
 
@@ -21,79 +18,6 @@
 
 // Outputs up to this length are formatted once, longer ones twice.
 #define kqvFormat_ScratchLength 256
-
-template <typename Char>
-static void qvFormat_S_WriteFraction(const qvFormatNumber& aNumber, qvFormatOutput<Char>* anOutput) {
-  anOutput->Put('.');
-  if (aNumber.mZerosBehindPoint > 0) {
-    anOutput->Fill('0', aNumber.mZerosBehindPoint);
-  }
-  anOutput->AppendASCII(aNumber.mFraction, aNumber.mFractionCount);
-  if (aNumber.mZerosAfter > 0) {
-    anOutput->Fill('0', aNumber.mZerosAfter);
-  }
-}
-
-template <typename Char>
-static void qvFormat_S_WriteNumber(const qvFormatNumber& aNumber, qvFormatOutput<Char>* anOutput) {
-  if (aNumber.mBlanksBefore > 0) {
-    anOutput->Fill(' ', aNumber.mBlanksBefore);
-  }
-  for (uint32 theIndex = 0; theIndex < aNumber.mPrefixLength; ++theIndex) {
-    anOutput->Put(aNumber.mPrefix[theIndex]);
-  }
-  if (aNumber.mZerosBefore > 0) {
-    anOutput->Fill('0', aNumber.mZerosBefore);
-  }
-  anOutput->AppendASCII(aNumber.mDigits, aNumber.mDigitCount);
-  if (aNumber.mfPoint) {
-    qvFormat_S_WriteFraction(aNumber, anOutput);
-  }
-  if (aNumber.mSuffixLength > 0) {
-    anOutput->AppendASCII(aNumber.mSuffix + sizeof aNumber.mSuffix - aNumber.mSuffixLength,
-                          aNumber.mSuffixLength);
-  }
-  if (aNumber.mBlanksAfter > 0) {
-    anOutput->Fill(' ', aNumber.mBlanksAfter);
-  }
-}
-
-template <typename Char>
-static void qvFormat_S_WriteInteger(const qvFormatDirective& aDirective, const qvFormatValue& aValue,
-                                    qvFormatOutput<Char>* anOutput) {
-  char theBuffer[kqvFormatInteger_BufferSize];
-  qvFormatNumber theNumber;
-  qvFormatNumber_SetInteger(aDirective, aValue.mInteger, theBuffer, &theNumber);
-  qvFormat_S_WriteNumber(theNumber, anOutput);
-}
-
-template <typename Char>
-static QVFORMAT_NOINLINE void qvFormat_S_WriteDouble(const qvFormatDirective& aDirective, double aValue,
-                                                     qvFormatOutput<Char>* anOutput) {
-  qvFormatDigitsRoom<kqvFormatDouble_MaxWords> theRoom;
-  qvFormatNumber theNumber;
-  qvFormatNumber_SetDouble(aDirective, aValue, qvFormatDigitsPlace(&theRoom), &theNumber);
-  qvFormat_S_WriteNumber(theNumber, anOutput);
-}
-
-template <typename Char>
-static QVFORMAT_NOINLINE void qvFormat_S_WriteLongDouble(const qvFormatDirective& aDirective,
-                                                         long double aValue, qvFormatOutput<Char>* anOutput) {
-  qvFormatDigitsRoom<kqvFormatLongDouble_MaxWords> theRoom;
-  qvFormatNumber theNumber;
-  qvFormatNumber_SetLongDouble(aDirective, aValue, qvFormatDigitsPlace(&theRoom), &theNumber);
-  qvFormat_S_WriteNumber(theNumber, anOutput);
-}
-
-template <typename Char>
-static void qvFormat_S_WriteReal(const qvFormatDirective& aDirective, const qvFormatValue& aValue,
-                                 qvFormatOutput<Char>* anOutput) {
-  if (aDirective.mLength == kqvFormatLength_LongDouble) {
-    qvFormat_S_WriteLongDouble(aDirective, aValue.mLongDouble, anOutput);
-  } else {
-    qvFormat_S_WriteDouble(aDirective, aValue.mDouble, anOutput);
-  }
-}
 
 template <typename Char>
 static void qvFormat_S_WriteText(const qvFormatDirective& aDirective, const void* aText,
@@ -116,10 +40,7 @@ static void qvFormat_S_WritePointer(const qvFormatDirective& aDirective, const v
     qvFormatText_WriteNull(theDirective, anOutput);
     return;
   }
-  char theBuffer[kqvFormatInteger_BufferSize];
-  qvFormatNumber theNumber;
-  qvFormatNumber_SetPointer(aDirective, aValue, theBuffer, &theNumber);
-  qvFormat_S_WriteNumber(theNumber, anOutput);
+  qvFormatNumber_WritePointer(aDirective, aValue, anOutput);
 }
 
 // "%n". The count fits an int; a shorter counter takes its low bits.
@@ -158,10 +79,14 @@ static void qvFormat_S_WriteValue(const qvFormatDirective& aDirective, const qvF
   switch (aDirective.mClass) {
     case kqvFormatClass_Signed:
     case kqvFormatClass_Unsigned:
-      qvFormat_S_WriteInteger(aDirective, aValue, anOutput);
+      qvFormatNumber_WriteInteger(aDirective, aValue.mInteger, anOutput);
       break;
     case kqvFormatClass_Real:
-      qvFormat_S_WriteReal(aDirective, aValue, anOutput);
+      if (aDirective.mLength == kqvFormatLength_LongDouble) {
+        qvFormatNumber_WriteLongDouble(aDirective, aValue.mLongDouble, anOutput);
+      } else {
+        qvFormatNumber_WriteDouble(aDirective, aValue.mDouble, anOutput);
+      }
       break;
     case kqvFormatClass_Character:
       qvFormatText_WriteCharacter(aDirective, static_cast<uint32>(aValue.mInteger), anOutput);

@@ -40,50 +40,51 @@ inline void qvFormat_CopyBlock(wchar_t* aTo, const wchar_t* aFrom, size_t aLengt
 template <typename Char>
 class qvFormatOutput {
  public:
-  qvFormatOutput(Char* aBuffer, size_t aRoom) : mNext(aBuffer), mRoom(aRoom), mCount(0) {}
+  qvFormatOutput(Char* aBuffer, size_t aRoom) : mStart(aBuffer), mNext(aBuffer), mRoom(aRoom), mDropped(0) {}
 
   // What the whole output has so far. 64 bits, so that two widths of any int do not wrap on 32-bit targets.
-  uint64 Count() const { return mCount; }
+  uint64 Count() const { return static_cast<size_t>(mNext - mStart) + mDropped; }
 
   // Puts the terminator; the buffer has one character more than the room.
   void Terminate() { *mNext = 0; }
 
   void Put(Char aChar) {
-    ++mCount;
     if (mRoom > 0) {
       *mNext++ = aChar;
       --mRoom;
+    } else {
+      ++mDropped;
     }
   }
 
   void Append(const Char* aText, size_t aLength) {
-    size_t theStored = Count(aLength);
+    size_t theStored = StoredOf(aLength);
     if (theStored > 0) {
       qvFormat_CopyBlock(mNext, aText, theStored);
-      Advance(theStored);
+      Wrote(theStored);
     }
   }
 
   // ASCII text for either width. It was mostly written a moment ago, in small pieces: read again in small
   // pieces it comes from the processor's store buffer, where larger ones would have to wait.
   void AppendASCII(const char* aText, size_t aLength) {
-    size_t theStored = Count(aLength);
+    size_t theStored = StoredOf(aLength);
     for (size_t theIndex = 0; theIndex < theStored; ++theIndex) {
       mNext[theIndex] = static_cast<Char>(aText[theIndex]);
     }
-    Advance(theStored);
+    Wrote(theStored);
   }
 
   // Where to write aLength characters directly, to be followed by Wrote; null when there is not that much
   // room.
   Char* Reserve(size_t aLength) { return aLength <= mRoom ? mNext : nullptr; }
   void Wrote(size_t aLength) {
-    mCount += aLength;
-    Advance(aLength);
+    mNext += aLength;
+    mRoom -= aLength;
   }
 
   void Fill(Char aChar, size_t aLength) {
-    size_t theStored = Count(aLength);
+    size_t theStored = StoredOf(aLength);
     if (theStored == 0) {
       return;
     }
@@ -92,24 +93,23 @@ class qvFormatOutput {
     } else {
       wmemset(mNext, aChar, theStored);
     }
-    Advance(theStored);
+    Wrote(theStored);
   }
 
  private:
-  // Counts a run and tells how much of it is stored.
-  size_t Count(size_t aLength) {
-    mCount += aLength;
-    return aLength < mRoom ? aLength : mRoom;
+  // How much of a run there is room for; the rest of it is only counted.
+  size_t StoredOf(size_t aLength) {
+    if (aLength <= mRoom) {
+      return aLength;
+    }
+    mDropped += aLength - mRoom;
+    return mRoom;
   }
 
-  void Advance(size_t aStored) {
-    mNext += aStored;
-    mRoom -= aStored;
-  }
-
+  Char* mStart;
   Char* mNext;
-  size_t mRoom;
-  uint64 mCount;
+  size_t mRoom;  // which may be said to be more than there is memory behind the buffer
+  uint64 mDropped;
 };
 
 #endif

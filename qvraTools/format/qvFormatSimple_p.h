@@ -1,18 +1,22 @@
 /* qvFormatSimple_p.h - the short way for what most formats are made of.
  *
- * %d %u %x %X, with at most a "0" and a width of one or two digits, and %s and %c alone: they are recognised
- * and written at once, straight into the output. Everything else goes the general way, and so do these when
- * the room is small; it gives the same for them. */
+ * %d %u %x %X %ld %lu %lld %llu %f %e %g, with at most a "0", a width and a precision of one or two
+ * digits, and %s and %c alone: they are recognised and written at once, integers and texts straight into the
+ * output. Everything else goes the general way, and so do integers when the room is small; it gives the same
+ * for them. */
 #ifndef QVRATOOLS_FORMAT_QVFORMATSIMPLE_P_H
 #define QVRATOOLS_FORMAT_QVFORMATSIMPLE_P_H
 
 #include <string.h>
 
 #include "qvraTools/format/qvFormatArguments_p.h"
+#include "qvraTools/format/qvFormatNumberOutput_p.h"
 #include "qvraTools/format/qvFormatNumber_p.h"
 #include "qvraTools/format/qvFormatOutput_p.h"
 
-#define kqvFormatSimple_MaxLength 11 /* a sign and the ten digits of 32 bits */
+#define kqvFormatSimple_IntLength  11 /* a sign and the ten digits of 32 bits */
+#define kqvFormatSimple_LongLength 20 /* a sign and the digits of 63 bits, or the digits of 64 */
+#define kqvFormatSimple_Billion    1000000000U
 
 inline uint32 qvFormatSimple_DecimalLength(uint32 aValue) {
   static const uint32 kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
@@ -28,16 +32,31 @@ inline uint32 qvFormatSimple_HexLength(uint32 aValue) {
 // Write all digits of a value so that they end at anEnd.
 
 template <typename Char>
+inline void qvFormatSimple_WritePair(Char* aPlace, uint32 aValue) {
+  aPlace[0] = static_cast<Char>(kqvFormat_Pairs[aValue * 2]);
+  aPlace[1] = static_cast<Char>(kqvFormat_Pairs[aValue * 2 + 1]);
+}
+
+template <typename Char>
 inline void qvFormatSimple_WriteDecimal(Char* anEnd, uint32 aValue) {
   for (; aValue >= 100; aValue /= 100) {
     anEnd -= 2;
-    anEnd[0] = static_cast<Char>(kqvFormat_Pairs[aValue % 100 * 2]);
-    anEnd[1] = static_cast<Char>(kqvFormat_Pairs[aValue % 100 * 2 + 1]);
+    qvFormatSimple_WritePair(anEnd, aValue % 100);
   }
   anEnd[-1] = static_cast<Char>('0' + aValue % 10);
   if (aValue >= 10) {
     anEnd[-2] = static_cast<Char>('0' + aValue / 10);
   }
+}
+
+// All nine digits of what is left of a division by a billion.
+template <typename Char>
+inline void qvFormatSimple_WriteNine(Char* anEnd, uint32 aValue) {
+  for (int thePair = 0; thePair < 4; ++thePair, aValue /= 100) {
+    anEnd -= 2;
+    qvFormatSimple_WritePair(anEnd, aValue % 100);
+  }
+  anEnd[-1] = static_cast<Char>('0' + aValue);
 }
 
 template <typename Char>
@@ -70,8 +89,8 @@ inline Char* qvFormatSimple_WriteFront(bool afNegative, uint32 aDigits, char aPa
 }
 
 template <typename Char>
-inline void qvFormatSimple_WriteInteger(char aConversion, uint32 aValue, char aPadding, uint32 aWidth,
-                                        qvFormatOutput<Char>* anOutput) {
+inline void qvFormatSimple_WriteInt(char aConversion, uint32 aValue, char aPadding, uint32 aWidth,
+                                    qvFormatOutput<Char>* anOutput) {
   bool theNegative = aConversion == 'd' && static_cast<int32>(aValue) < 0;
   uint32 theMagnitude = theNegative ? 0 - aValue : aValue;
   if (aConversion == 'd' || aConversion == 'u') {
@@ -85,6 +104,25 @@ inline void qvFormatSimple_WriteInteger(char aConversion, uint32 aValue, char aP
   }
 }
 
+// The same for 64 bits, of decimal numbers. A 64-bit division is a slow call on a 32-bit processor: there is
+// one for each nine digits.
+template <typename Char>
+inline void qvFormatSimple_WriteLong(bool afNegative, uint64 aMagnitude, char aPadding, uint32 aWidth,
+                                     qvFormatOutput<Char>* anOutput) {
+  uint32 theNines[2];
+  uint32 theCount = 0;
+  for (; aMagnitude > UINT32_MAX; aMagnitude /= kqvFormatSimple_Billion) {
+    theNines[theCount++] = static_cast<uint32>(aMagnitude % kqvFormatSimple_Billion);
+  }
+  uint32 theFirst = static_cast<uint32>(aMagnitude);
+  uint32 theDigits = qvFormatSimple_DecimalLength(theFirst) + 9 * theCount;
+  Char* theEnd = qvFormatSimple_WriteFront(afNegative, theDigits, aPadding, aWidth, anOutput);
+  for (uint32 theIndex = 0; theIndex < theCount; ++theIndex, theEnd -= 9) {
+    qvFormatSimple_WriteNine(theEnd, theNines[theIndex]);
+  }
+  qvFormatSimple_WriteDecimal(theEnd, theFirst);
+}
+
 // %s without anything, in the narrow family. Wide output converts its texts and goes the general way.
 inline bool qvFormatSimple_WriteText(qvFormatArguments* anArguments, qvFormatOutput<char>* anOutput) {
   const void* theText = anArguments->TakeNextPointer();
@@ -94,6 +132,71 @@ inline bool qvFormatSimple_WriteText(qvFormatArguments* anArguments, qvFormatOut
 }
 
 inline bool qvFormatSimple_WriteText(qvFormatArguments*, qvFormatOutput<wchar_t>*) { return false; }
+
+// What stands between "%" and the letters.
+template <typename Char>
+struct qvFormatSimpleStart {
+  explicit qvFormatSimpleStart(const Char* aNext) : mNext(aNext), mPadding(*aNext == '0' ? '0' : ' ') {
+    mNext += mPadding == '0';
+    mWidth = ReadNumber();
+  }
+
+  // Of at most two digits, none of them needed.
+  uint32 ReadNumber() {
+    uint32 theNumber = 0;
+    for (int theDigits = 0; theDigits < 2 && *mNext >= '0' && *mNext <= '9'; ++theDigits) {
+      theNumber = theNumber * 10 + static_cast<uint32>(*mNext++ - '0');
+    }
+    return theNumber;
+  }
+
+  bool Fits(uint32 aLength, qvFormatOutput<Char>* anOutput) const {
+    return anOutput->Reserve(mWidth > aLength ? mWidth : aLength) != nullptr;
+  }
+
+  const Char* mNext;
+  char mPadding;
+  uint32 mWidth;
+};
+
+// %ld %lu %lld %llu, mNext at the first "l".
+template <typename Char>
+inline bool qvFormatSimple_WriteLong(qvFormatSimpleStart<Char>* aStart, qvFormatArguments* anArguments,
+                                     qvFormatOutput<Char>* anOutput) {
+  bool theLonger = *++aStart->mNext == 'l';
+  aStart->mNext += theLonger;
+  bool theSigned = *aStart->mNext == 'd';
+  if ((!theSigned && *aStart->mNext != 'u') || !aStart->Fits(kqvFormatSimple_LongLength, anOutput)) {
+    return false;
+  }
+  uint64 theValue = theLonger ? anArguments->TakeNextLongLong() : anArguments->TakeNextLong(theSigned);
+  bool theNegative = theSigned && static_cast<int64>(theValue) < 0;
+  qvFormatSimple_WriteLong(theNegative, theNegative ? 0 - theValue : theValue, aStart->mPadding,
+                           aStart->mWidth, anOutput);
+  return true;
+}
+
+// %f %e %g, mNext at the point of the precision or at the letter.
+template <typename Char>
+inline bool qvFormatSimple_WriteReal(qvFormatSimpleStart<Char>* aStart, qvFormatArguments* anArguments,
+                                     qvFormatOutput<Char>* anOutput) {
+  int thePrecision = kqvFormat_NoPrecision;
+  if (*aStart->mNext == '.') {
+    ++aStart->mNext;
+    thePrecision = static_cast<int>(aStart->ReadNumber());
+  }
+  Char theConversion = *aStart->mNext;
+  if (theConversion != 'f' && theConversion != 'e' && theConversion != 'g') {
+    return false;
+  }
+  qvFormatDirective theDirective = qvFormatDirective();
+  theDirective.mFlags = aStart->mPadding == '0' ? kqvFormatFlag_Zero : 0;
+  theDirective.mConversion = static_cast<char>(theConversion);
+  theDirective.mWidth = static_cast<int>(aStart->mWidth);
+  theDirective.mPrecision = thePrecision;
+  qvFormatNumber_WriteDouble(theDirective, anArguments->TakeNextDouble(), anOutput);
+  return true;
+}
 
 // Writes one of the simple directives and moves aNext behind it; false, with nothing done, when it is
 // another.
@@ -112,22 +215,36 @@ inline bool qvFormatSimple_Write(const Char*& aNext, qvFormatArguments* anArgume
     ++aNext;
     return true;
   }
-  const Char* theNext = aNext;
-  char thePadding = *theNext == '0' ? '0' : ' ';
-  theNext += thePadding == '0';
-  uint32 theWidth = 0;
-  for (int theDigits = 0; theDigits < 2 && *theNext >= '0' && *theNext <= '9'; ++theDigits) {
-    theWidth = theWidth * 10 + static_cast<uint32>(*theNext++ - '0');
+  qvFormatSimpleStart<Char> theStart(aNext);
+  bool theWritten = false;
+  switch (*theStart.mNext) {
+    case 'd':
+    case 'u':
+    case 'x':
+    case 'X':
+      theWritten = theStart.Fits(kqvFormatSimple_IntLength, anOutput);
+      if (theWritten) {
+        qvFormatSimple_WriteInt(static_cast<char>(*theStart.mNext),
+                                static_cast<uint32>(anArguments->TakeNextInt()), theStart.mPadding,
+                                theStart.mWidth, anOutput);
+      }
+      break;
+    case 'l':
+      theWritten = qvFormatSimple_WriteLong(&theStart, anArguments, anOutput);
+      break;
+    case '.':
+    case 'e':
+    case 'f':
+    case 'g':
+      theWritten = qvFormatSimple_WriteReal(&theStart, anArguments, anOutput);
+      break;
+    default:
+      break;
   }
-  bool theKnown = *theNext == 'd' || *theNext == 'u' || *theNext == 'x' || *theNext == 'X';
-  uint32 theMost = theWidth > kqvFormatSimple_MaxLength ? theWidth : kqvFormatSimple_MaxLength;
-  if (!theKnown || anOutput->Reserve(theMost) == nullptr) {
-    return false;
+  if (theWritten) {
+    aNext = theStart.mNext + 1;
   }
-  qvFormatSimple_WriteInteger(static_cast<char>(*theNext), static_cast<uint32>(anArguments->TakeNextInt()),
-                              thePadding, theWidth, anOutput);
-  aNext = theNext + 1;
-  return true;
+  return theWritten;
 }
 
 #endif

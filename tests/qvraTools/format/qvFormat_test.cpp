@@ -133,6 +133,28 @@ TEST(qvFormat, CutsInsideEverySimpleDirective) {
   }
 }
 
+TEST(qvFormat, CutsInsideEverySimpleDirectiveOfLongsAndReals) {
+  const std::string kWhole = "-9223372036854775808|18446744073709551615|  -42|   1.50|02.5e+01|0.1";
+  for (size_t theMax = 1; theMax <= kWhole.size() + 1; ++theMax) {
+    std::string theBuffer(kWhole.size() + 2, '~');
+    EXPECT_EQ(68, qv_snprintf(&theBuffer[0], theMax, "%lld|%llu|%5ld|%7.2f|%08.1e|%g", LLONG_MIN, ULLONG_MAX,
+                              -42L, 1.5, 25.0, 0.1));
+    EXPECT_EQ(kWhole.substr(0, theMax - 1), theBuffer.c_str());
+    EXPECT_EQ('~', theBuffer[theMax]) << "wrote behind the bound " << theMax;
+  }
+}
+
+TEST(qvFormat, WritesLongsOfEveryLengthWhereTheirDigitsAreSplit) {
+  ExpectFormatted("0 9 4294967295 4294967296", "%llu %llu %llu %llu", 0ull, 9ull, 4294967295ull,
+                  4294967296ull);
+  ExpectFormatted("1000000000000000000 1000000001000000001", "%lld %lld", 1000000000000000000ll,
+                  1000000001000000001ll);
+  ExpectFormatted("4294967295999999999 4294967296000000000", "%llu %llu", 4294967295999999999ull,
+                  4294967296000000000ull);
+  ExpectFormatted("-2147483648 4294967295 -0000000005", "%ld %lu %011ld", static_cast<long>(INT_MIN),
+                  4294967295ul, -5L);
+}
+
 TEST(qvFormat, CutsWideTextTheSameWay) {
   wchar_t theBuffer[8] = L"xxxxxxx";
   EXPECT_EQ(6, qv_swprintf(theBuffer, 4, L"%s", "abcdef"));
