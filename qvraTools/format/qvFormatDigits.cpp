@@ -9,6 +9,7 @@
 #include <limits.h>
 
 #include "qvraTools/format/qvFormatNumber_p.h"
+#include "qvraTools/format/qvFormatWord_p.h"
 
 #define kqvFormatDigits_MaxScaled 17 /* digits; the whole part has one more at most, and is below 2^60 */
 #define kqvFormatDigits_MinPower  (-308)
@@ -24,11 +25,6 @@ static const uint64 kqvFormatDigits_Fives[kqvFormatDigits_StepSize] = {
     0xe35fa931a0000000, 0x8e1bc9bf04000000, 0xb1a2bc2ec5000000, 0xde0b6b3a76400000, 0x8ac7230489e80000,
     0xad78ebc5ac620000, 0xd8d726b7177a8000, 0x878678326eac9000, 0xa968163f0a57b400, 0xd3c21bcecceda100,
     0x84595161401484a0, 0xa56fa5b99019a5c8, 0xcecb8f27f4200f3a,
-};
-
-struct qvFormat128 {
-  uint64 mHigh;
-  uint64 mLow;
 };
 
 // Every 28th power of five, moved to the top and cut.
@@ -78,24 +74,11 @@ static int qvFormat_S_Log10OfPowerOf2(int aPower) {
 }
 static int qvFormat_S_Log2OfPowerOf5(int aPower) { return (aPower * 152170) >> 16; }
 
-// From 32-bit factors: a 32-bit processor has no wider product.
-static qvFormat128 qvFormat_S_Multiply(uint64 aLeft, uint64 aRight) {
-  uint64 theLeftLow = static_cast<uint32>(aLeft);
-  uint64 theLeftHigh = aLeft >> 32;
-  uint64 theRightLow = static_cast<uint32>(aRight);
-  uint64 theRightHigh = aRight >> 32;
-  uint64 theLow = theLeftLow * theRightLow;
-  uint64 theCross = theLeftLow * theRightHigh;
-  uint64 theMiddle = (theLow >> 32) + static_cast<uint32>(theCross) + theLeftHigh * theRightLow;
-  return {theLeftHigh * theRightHigh + (theCross >> 32) + (theMiddle >> 32),
-          theMiddle << 32 | static_cast<uint32>(theLow)};
-}
-
 // The upper 128 of the 192 bits of a product.
 static qvFormat128 qvFormat_S_MultiplyUpper(const qvFormat128& aLeft, uint64 aRight) {
-  qvFormat128 theProduct = qvFormat_S_Multiply(aLeft.mHigh, aRight);
+  qvFormat128 theProduct = qvFormat_Multiply(aLeft.mHigh, aRight);
   if (aLeft.mLow != 0) {
-    uint64 theCarried = qvFormat_S_Multiply(aLeft.mLow, aRight).mHigh;
+    uint64 theCarried = qvFormat_Multiply(aLeft.mLow, aRight).mHigh;
     theProduct.mLow += theCarried;
     theProduct.mHigh += theProduct.mLow < theCarried;
   }

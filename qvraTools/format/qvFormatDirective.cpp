@@ -170,30 +170,36 @@ static bool qvFormat_S_MixesPositions(const qvFormatDirective& aDirective) {
          (aDirective.mfPrecisionFromArgument && (aDirective.mPrecisionPosition != 0) != theNumbered);
 }
 
-// Reads the parts before the conversion character.
 template <typename Char>
-static int qvFormat_S_ReadParts(const Char*& aNext, qvFormatDirective* aDirective) {
-  int theError = qvFormat_S_ReadPosition(aNext, &aDirective->mPosition);
-  if (theError != 0) {
-    return theError;
-  }
+static bool qvFormat_S_IsLetter(Char aChar) {
+  return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z');
+}
+
+// Reads flags, width and precision.
+template <typename Char>
+static int qvFormat_S_ReadLayout(const Char*& aNext, qvFormatDirective* aDirective) {
   aDirective->mFlags = qvFormat_S_ReadFlags(aNext);
-  theError = qvFormat_S_ReadSize(aNext, &aDirective->mWidth, &aDirective->mfWidthFromArgument,
-                                 &aDirective->mWidthPosition);
+  int theError = qvFormat_S_ReadSize(aNext, &aDirective->mWidth, &aDirective->mfWidthFromArgument,
+                                     &aDirective->mWidthPosition);
   if (theError == 0 && *aNext == '.') {
     ++aNext;
     theError = qvFormat_S_ReadSize(aNext, &aDirective->mPrecision, &aDirective->mfPrecisionFromArgument,
                                    &aDirective->mPrecisionPosition);
   }
+  return theError;
+}
+
+// Reads the parts before the conversion character.
+template <typename Char>
+static int qvFormat_S_ReadParts(const Char*& aNext, qvFormatDirective* aDirective) {
+  int theError = qvFormat_S_ReadPosition(aNext, &aDirective->mPosition);
+  if (theError == 0 && !qvFormat_S_IsLetter(*aNext)) {
+    theError = qvFormat_S_ReadLayout(aNext, aDirective);
+  }
   if (theError == 0) {
     aDirective->mLength = qvFormat_S_ReadLength(aNext);
   }
   return theError;
-}
-
-template <typename Char>
-static bool qvFormat_S_IsLetter(Char aChar) {
-  return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z');
 }
 
 template <typename Char>

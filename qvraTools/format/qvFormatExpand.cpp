@@ -3,19 +3,19 @@
 // A value is m * 2^e with integers m and e. For e >= 0 its decimal digits are those of m * 2^e; for e < 0
 // those of m * 5^-e with the point moved -e digits to the left, since 2^e = 5^-e / 10^-e. Both are products
 // that a row of base-10^9 words holds exactly.
+#include "qvraTools/format/qvFormatDecimal_p.h"
 #include "qvraTools/format/qvFormatDigits_p.h"
+#include "qvraTools/format/qvFormatWord_p.h"
 
-#define kqvFormatExpand_Base       1000000000U
-#define kqvFormatExpand_BaseDigits 9
-#define kqvFormatExpand_TwoStep    31 /* 2^31 and 5^13 times a word fit 64 bits */
-#define kqvFormatExpand_FiveStep   13
-#define kqvFormatExpand_FivePower  1220703125U /* 5^13 */
+#define kqvFormatExpand_TwoStep   31 /* 2^31 and 5^13 times a word fit 64 bits */
+#define kqvFormatExpand_FiveStep  13
+#define kqvFormatExpand_FivePower 1220703125U /* 5^13 */
 
 class qvFormatBigDecimal {
  public:
   qvFormatBigDecimal(uint64 aValue, uint32* aWords) : mCount(0), mWords(aWords) {
-    for (; aValue != 0; aValue /= kqvFormatExpand_Base) {
-      mWords[mCount++] = static_cast<uint32>(aValue % kqvFormatExpand_Base);
+    while (aValue != 0) {
+      aValue = qvFormat_DivideByBillion(aValue, &mWords[mCount++]);
     }
   }
 
@@ -23,12 +23,10 @@ class qvFormatBigDecimal {
     uint64 theCarry = 0;
     for (int theIndex = 0; theIndex < mCount; ++theIndex) {
       theCarry += static_cast<uint64>(mWords[theIndex]) * aFactor;
-      mWords[theIndex] = static_cast<uint32>(theCarry % kqvFormatExpand_Base);
-      theCarry /= kqvFormatExpand_Base;
+      theCarry = qvFormat_DivideByBillion(theCarry, &mWords[theIndex]);
     }
-    // A factor is up to twice the base.
-    for (; theCarry != 0; theCarry /= kqvFormatExpand_Base) {
-      mWords[mCount++] = static_cast<uint32>(theCarry % kqvFormatExpand_Base);
+    while (theCarry != 0) {  // up to two words: a factor may be larger than the base
+      theCarry = qvFormat_DivideByBillion(theCarry, &mWords[mCount++]);
     }
   }
 
@@ -36,10 +34,7 @@ class qvFormatBigDecimal {
   char* WriteDigits(char* anEnd) const {
     char* theStart = anEnd;
     for (int theIndex = 0; theIndex < mCount; ++theIndex) {
-      uint32 theWord = mWords[theIndex];
-      for (int theDigit = 0; theDigit < kqvFormatExpand_BaseDigits; ++theDigit, theWord /= 10) {
-        *--theStart = static_cast<char>('0' + theWord % 10);
-      }
+      theStart = qvFormatDecimal_WriteNine(theStart, mWords[theIndex]);
     }
     while (theStart < anEnd && *theStart == '0') {
       ++theStart;

@@ -1,7 +1,7 @@
 // Integers and pointers as text.
-#include <string.h>
-
+#include "qvraTools/format/qvFormatDecimal_p.h"
 #include "qvraTools/format/qvFormatNumber_p.h"
+#include "qvraTools/format/qvFormatWord_p.h"
 
 const char kqvFormat_LowerDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
 const char kqvFormat_UpperDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -11,35 +11,18 @@ const char kqvFormat_Pairs[] =
     "525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
 #define kqvFormatInteger_PointerDigits 8 /* at least, behind "0x" */
-#define kqvFormatInteger_Billion       1000000000U
 
-// As all writers of digits here: backwards from anEnd, nothing for 0; returns the first digit.
-static char* qvFormat_S_WriteDecimal32(char* anEnd, uint32 aValue) {
-  while (aValue >= 100) {
-    anEnd -= 2;
-    memcpy(anEnd, kqvFormat_Pairs + aValue % 100 * 2, 2);
-    aValue /= 100;
-  }
-  if (aValue >= 10) {
-    anEnd -= 2;
-    memcpy(anEnd, kqvFormat_Pairs + aValue * 2, 2);
-  } else if (aValue > 0) {
-    *--anEnd = static_cast<char>('0' + aValue);
-  }
-  return anEnd;
-}
-
+// Digits are written backwards from anEnd; the first one's address is returned. No digits for 0.
 char* qvFormatNumber_WriteDecimal(char* anEnd, uint64 aValue) {
-  // A 64-bit division is a slow call on a 32-bit processor: one for each nine digits.
-  while (aValue > UINT32_MAX) {
-    char* theStart = anEnd - 9;
-    anEnd = qvFormat_S_WriteDecimal32(anEnd, static_cast<uint32>(aValue % kqvFormatInteger_Billion));
-    while (anEnd > theStart) {
-      *--anEnd = '0';
-    }
-    aValue /= kqvFormatInteger_Billion;
+  if (aValue == 0) {
+    return anEnd;
   }
-  return qvFormat_S_WriteDecimal32(anEnd, static_cast<uint32>(aValue));
+  while (aValue > UINT32_MAX) {
+    uint32 theNine = 0;
+    aValue = qvFormat_DivideByBillion(aValue, &theNine);
+    anEnd = qvFormatDecimal_WriteNine(anEnd, theNine);
+  }
+  return qvFormatDecimal_Write(anEnd, static_cast<uint32>(aValue));
 }
 
 static char* qvFormat_S_WriteOctal(char* anEnd, uint64 aValue) {

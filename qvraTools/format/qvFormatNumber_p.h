@@ -33,9 +33,6 @@ struct qvFormatNumber {
 extern const char kqvFormat_LowerDigits[];
 extern const char kqvFormat_UpperDigits[];
 
-// 00 to 99: two digits a division.
-extern const char kqvFormat_Pairs[];
-
 // Characters that the digits of an integer need at most; the caller provides them.
 #define kqvFormatInteger_BufferSize 24 /* 22 octal digits */
 

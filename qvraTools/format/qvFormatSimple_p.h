@@ -10,55 +10,20 @@
 #include <string.h>
 
 #include "qvraTools/format/qvFormatArguments_p.h"
+#include "qvraTools/format/qvFormatDecimal_p.h"
 #include "qvraTools/format/qvFormatNumberOutput_p.h"
 #include "qvraTools/format/qvFormatNumber_p.h"
 #include "qvraTools/format/qvFormatOutput_p.h"
+#include "qvraTools/format/qvFormatWord_p.h"
 
 #define kqvFormatSimple_IntLength  11 /* a sign and the ten digits of 32 bits */
 #define kqvFormatSimple_LongLength 20 /* a sign and the digits of 63 bits, or the digits of 64 */
-#define kqvFormatSimple_Billion    1000000000U
-
-inline uint32 qvFormatSimple_DecimalLength(uint32 aValue) {
-  static const uint32 kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
-  // 1233 / 4096 is a little more than the decimal logarithm of 2.
-  uint32 theGuess = static_cast<uint32>(32 - __builtin_clz(aValue | 1)) * 1233 >> 12;
-  return theGuess + (aValue >= kPowers[theGuess] || theGuess == 0);
-}
 
 inline uint32 qvFormatSimple_HexLength(uint32 aValue) {
   return aValue == 0 ? 1 : static_cast<uint32>(35 - __builtin_clz(aValue)) / 4;
 }
 
-// Write all digits of a value so that they end at anEnd.
-
-template <typename Char>
-inline void qvFormatSimple_WritePair(Char* aPlace, uint32 aValue) {
-  aPlace[0] = static_cast<Char>(kqvFormat_Pairs[aValue * 2]);
-  aPlace[1] = static_cast<Char>(kqvFormat_Pairs[aValue * 2 + 1]);
-}
-
-template <typename Char>
-inline void qvFormatSimple_WriteDecimal(Char* anEnd, uint32 aValue) {
-  for (; aValue >= 100; aValue /= 100) {
-    anEnd -= 2;
-    qvFormatSimple_WritePair(anEnd, aValue % 100);
-  }
-  anEnd[-1] = static_cast<Char>('0' + aValue % 10);
-  if (aValue >= 10) {
-    anEnd[-2] = static_cast<Char>('0' + aValue / 10);
-  }
-}
-
-// All nine digits of what is left of a division by a billion.
-template <typename Char>
-inline void qvFormatSimple_WriteNine(Char* anEnd, uint32 aValue) {
-  for (int thePair = 0; thePair < 4; ++thePair, aValue /= 100) {
-    anEnd -= 2;
-    qvFormatSimple_WritePair(anEnd, aValue % 100);
-  }
-  anEnd[-1] = static_cast<Char>('0' + aValue);
-}
-
+// Writes all digits of a value so that they end at anEnd.
 template <typename Char>
 inline void qvFormatSimple_WriteHex(Char* anEnd, uint32 aValue, bool afUpper) {
   const char* theDigits = afUpper ? kqvFormat_UpperDigits : kqvFormat_LowerDigits;
@@ -94,9 +59,9 @@ inline void qvFormatSimple_WriteInt(char aConversion, uint32 aValue, char aPaddi
   bool theNegative = aConversion == 'd' && static_cast<int32>(aValue) < 0;
   uint32 theMagnitude = theNegative ? 0 - aValue : aValue;
   if (aConversion == 'd' || aConversion == 'u') {
-    uint32 theDigits = qvFormatSimple_DecimalLength(theMagnitude);
-    qvFormatSimple_WriteDecimal(qvFormatSimple_WriteFront(theNegative, theDigits, aPadding, aWidth, anOutput),
-                                theMagnitude);
+    uint32 theDigits = qvFormatDecimal_Length(theMagnitude);
+    qvFormatDecimal_Write(qvFormatSimple_WriteFront(theNegative, theDigits, aPadding, aWidth, anOutput),
+                          theMagnitude);
   } else {
     uint32 theDigits = qvFormatSimple_HexLength(theMagnitude);
     qvFormatSimple_WriteHex(qvFormatSimple_WriteFront(false, theDigits, aPadding, aWidth, anOutput),
@@ -104,23 +69,22 @@ inline void qvFormatSimple_WriteInt(char aConversion, uint32 aValue, char aPaddi
   }
 }
 
-// The same for 64 bits, of decimal numbers. A 64-bit division is a slow call on a 32-bit processor: there is
-// one for each nine digits.
+// The same for 64 bits, of decimal numbers.
 template <typename Char>
 inline void qvFormatSimple_WriteLong(bool afNegative, uint64 aMagnitude, char aPadding, uint32 aWidth,
                                      qvFormatOutput<Char>* anOutput) {
   uint32 theNines[2];
   uint32 theCount = 0;
-  for (; aMagnitude > UINT32_MAX; aMagnitude /= kqvFormatSimple_Billion) {
-    theNines[theCount++] = static_cast<uint32>(aMagnitude % kqvFormatSimple_Billion);
+  while (aMagnitude > UINT32_MAX) {
+    aMagnitude = qvFormat_DivideByBillion(aMagnitude, &theNines[theCount++]);
   }
   uint32 theFirst = static_cast<uint32>(aMagnitude);
-  uint32 theDigits = qvFormatSimple_DecimalLength(theFirst) + 9 * theCount;
+  uint32 theDigits = qvFormatDecimal_Length(theFirst) + 9 * theCount;
   Char* theEnd = qvFormatSimple_WriteFront(afNegative, theDigits, aPadding, aWidth, anOutput);
-  for (uint32 theIndex = 0; theIndex < theCount; ++theIndex, theEnd -= 9) {
-    qvFormatSimple_WriteNine(theEnd, theNines[theIndex]);
+  for (uint32 theIndex = 0; theIndex < theCount; ++theIndex) {
+    theEnd = qvFormatDecimal_WriteNine(theEnd, theNines[theIndex]);
   }
-  qvFormatSimple_WriteDecimal(theEnd, theFirst);
+  qvFormatDecimal_Write(theEnd, theFirst);
 }
 
 // %s without anything, in the narrow family. Wide output converts its texts and goes the general way.

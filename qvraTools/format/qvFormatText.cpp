@@ -80,10 +80,28 @@ static size_t qvFormat_S_ConvertedLength(const wchar_t* aText, size_t aLimit) {
   return theLength;
 }
 
+// Writes all characters of aLength bytes; there is room for them.
+static void qvFormat_S_WriteWide(const wchar_t* aText, char* aPlace, size_t aLength) {
+  for (char* theEnd = aPlace + aLength; aPlace < theEnd; ++aText) {
+    uint32 theChar = static_cast<uint32>(*aText);
+    if (theChar < 0x80) {
+      *aPlace++ = static_cast<char>(theChar);
+    } else {
+      aPlace += qvUnicode_WriteUTF8Char(aPlace, static_cast<size_t>(theEnd - aPlace), theChar);
+    }
+  }
+}
+
 void qvFormatText_Write(const qvFormatDirective& aDirective, const wchar_t* aText,
                         qvFormatOutput<char>* anOutput) {
   size_t theLength = qvFormat_S_ConvertedLength(aText, qvFormat_S_Limit(aDirective));
   qvFormat_S_Padded(aDirective, theLength, anOutput, [&] {
+    char* thePlace = anOutput->Reserve(theLength);
+    if (thePlace != nullptr) {
+      qvFormat_S_WriteWide(aText, thePlace, theLength);
+      anOutput->Wrote(theLength);
+      return;
+    }
     for (size_t theDone = 0; theDone < theLength; ++aText) {
       theDone += qvFormat_S_PutWide(static_cast<uint32>(*aText), anOutput);
     }
