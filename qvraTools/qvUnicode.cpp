@@ -66,51 +66,6 @@ static size_t qvUnicode_S_ReadSequence(const char* anIn, size_t anInLen, uint32*
   return theLength;
 }
 
-size_t qvUnicode_UTF8ToWide(wchar_t* anOut, const char* anIn, size_t anOutMax) {
-  size_t theCount = 0;
-  while (*anIn != '\0') {
-    if (anOut != NULL && theCount == anOutMax) {
-      return theCount;
-    }
-    uint32 theChar = static_cast<uint8>(*anIn);
-    size_t theLength = 1;
-    if (theChar >= kqvUnicode_FirstNonASCII) {
-      theLength = qvUnicode_S_ReadSequence(anIn, kqvUnicode_MaxUTF8Length, &theChar);
-      if (theLength == kqvUnicode_Invalid) {
-        return kqvUnicode_Invalid;
-      }
-    }
-    if (anOut != NULL) {
-      anOut[theCount] = static_cast<wchar_t>(theChar);
-    }
-    ++theCount;
-    anIn += theLength;
-  }
-  if (anOut != NULL && theCount < anOutMax) {
-    anOut[theCount] = L'\0';
-  }
-  return theCount;
-}
-
-size_t qvUnicode_WideToUTF8(char* anOut, const wchar_t* anIn, size_t anOutMax) {
-  size_t theCount = 0;
-  for (; *anIn != L'\0'; ++anIn) {
-    uint32 theChar = static_cast<uint32>(*anIn) & 0x7FFFFFFFu;
-    size_t theLength = qvUnicode_UTF8CharLength(theChar);
-    if (anOut != NULL) {
-      if (theLength > anOutMax - theCount) {
-        break;
-      }
-      qvUnicode_WriteUTF8Char(anOut + theCount, theLength, theChar);
-    }
-    theCount += theLength;
-  }
-  if (anOut != NULL && theCount < anOutMax) {
-    anOut[theCount] = '\0';
-  }
-  return theCount;
-}
-
 size_t qvUnicode_ReadUTF8Char(const char* anIn, size_t anInLen, uint32* aChar) {
   if (anInLen == 0) {
     return 0;

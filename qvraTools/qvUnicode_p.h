@@ -11,6 +11,9 @@ QV_BEGIN_DECLS
 // The largest character that a UTF-8 sequence of 1 to 7 bytes can carry.
 extern const uint32 qvUTF8Max[kqvUnicode_MaxUTF8Length];
 
+// The length of the valid characters at the start of a text of aLength bytes.
+size_t qvUnicode_S_ValidLength(const char* aText, size_t aLength);
+
 #define kqvUnicode_HighSurrogateFirst 0xD800u
 #define kqvUnicode_HighSurrogateLast  0xDBFFu
 #define kqvUnicode_LowSurrogateFirst  0xDC00u

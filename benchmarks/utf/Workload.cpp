@@ -9,6 +9,8 @@
 
 namespace {
 
+const size_t kSizeOfAll = 256 << 10;  // bytes of text that are converted in turn
+
 using Words = std::vector<std::u16string>;
 
 const Words& WordsOf(Text aText) {
@@ -54,9 +56,8 @@ std::string EncodeUTF8(char16_t aChar) {
 }
 
 // Words until the size is reached; what is left behind the last whole character is filled with full stops.
-std::u16string MakeText(Text aText, size_t aSize) {
+std::u16string MakeText(Text aText, size_t aSize, std::mt19937& theRandom) {
   const Words& theWords = WordsOf(aText);
-  std::mt19937 theRandom(static_cast<unsigned>(aSize));
   std::u16string theText;
   size_t theSize = 0;
   for (;;) {
@@ -75,9 +76,9 @@ std::u16string MakeText(Text aText, size_t aSize) {
   }
 }
 
-Sample MakeSample(Text aText, size_t aSize) {
+Sample MakeSample(Text aText, size_t aSize, std::mt19937& theRandom) {
   Sample theSample;
-  theSample.mUTF16 = MakeText(aText, aSize);
+  theSample.mUTF16 = MakeText(aText, aSize, theRandom);
   bool theISO = true;
   for (char16_t theChar : theSample.mUTF16) {
     char theHigh = static_cast<char>(theChar >> 8);
@@ -95,14 +96,19 @@ Sample MakeSample(Text aText, size_t aSize) {
   return theSample;
 }
 
-}  // namespace
+using Samples = std::vector<Sample>;
 
-const Sample& SampleOf(Text aText, size_t aSize) {
-  static std::map<std::pair<Text, size_t>, Sample> sSamples;
-  auto theKey = std::make_pair(aText, aSize);
-  auto theFound = sSamples.find(theKey);
-  return theFound != sSamples.end() ? theFound->second : sSamples[theKey] = MakeSample(aText, aSize);
+const Samples& SamplesOf(Text aText, size_t aSize) {
+  static std::map<std::pair<Text, size_t>, Samples> sSamples;
+  Samples& theSamples = sSamples[{aText, aSize}];
+  std::mt19937 theRandom(static_cast<unsigned>(aSize));
+  while (theSamples.empty() || theSamples.size() * aSize < kSizeOfAll) {
+    theSamples.push_back(MakeSample(aText, aSize, theRandom));
+  }
+  return theSamples;
 }
+
+}  // namespace
 
 char* Result::SharedRoom() {
   static std::vector<char> sRoom(kRoom);
@@ -123,16 +129,20 @@ void Run(benchmark::State& aState, Text aText, Convert aConvert, std::string (*a
   // back.
   mallopt(M_MMAP_THRESHOLD, 64 << 20);
   mallopt(M_TRIM_THRESHOLD, 256 << 20);
-  const Sample& theSample = SampleOf(aText, static_cast<size_t>(aState.range(0)));
+  const Samples& theSamples = SamplesOf(aText, static_cast<size_t>(aState.range(0)));
   Result theResult;
-  theResult.Remember();
-  aConvert(theSample, theResult);
-  if (theResult.Remembered() != anExpected(theSample)) {
-    aState.SkipWithError("the result is wrong");
-    return;
-  }
-  for (auto _ : aState) {
+  for (const Sample& theSample : theSamples) {
+    theResult.Remember();
     aConvert(theSample, theResult);
+    if (theResult.Remembered() != anExpected(theSample)) {
+      aState.SkipWithError("the result is wrong");
+      return;
+    }
+  }
+  size_t theNumber = 0;
+  for (auto _ : aState) {
+    aConvert(theSamples[theNumber], theResult);
+    theNumber = theNumber + 1 < theSamples.size() ? theNumber + 1 : 0;
   }
 }
 

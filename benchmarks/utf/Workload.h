@@ -27,8 +27,6 @@ struct Sample {
   std::string mISO;  // empty when the text has characters that ISO-8859-1 has not
 };
 
-const Sample& SampleOf(Text aText, size_t aSize);
-
 // Where a conversion leaves its result.
 class Result {
  public:

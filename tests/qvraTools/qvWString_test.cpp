@@ -85,7 +85,7 @@ TEST(qvWStringNew, NullOrInvalidUTF8GivesNull) {
 }
 
 TEST(qvWStringNew, UTF8ThatBecomesInvalidBeforeTheSecondPassAsserts) {
-  ChangingText theText("abc", '\x80');
+  ChangingText theText("abc", '\x80', 3);  // each pass looks for the end first
   EXPECT_QV_ASSERTION(qvWString_NewFromUTF8(theText.Text()), "theConvertedLength != (size_t) -1",
                       "qvWString");
 }
@@ -319,6 +319,6 @@ TEST(qvWStringPlain, NullOrInvalidUTF8GivesNull) {
 }
 
 TEST(qvWStringPlain, UTF8ThatBecomesInvalidBeforeTheSecondPassAsserts) {
-  ChangingText theText("abc", '\x80');
+  ChangingText theText("abc", '\x80', 3);  // each pass looks for the end first
   EXPECT_QV_ASSERTION(qvWString_S_FromUTF8(theText.Text()), "theConvertedLength != (size_t) -1", "qvWString");
 }

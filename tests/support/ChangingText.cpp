@@ -10,11 +10,13 @@ ChangingText* sCurrent = nullptr;
 
 }  // namespace
 
-// The first byte is the last one of a readable page, the others stand in a page that cannot be read yet. So
-// the first fault comes when the first pass has left the first byte behind, and the second fault, on the page
-// that this one closes, when a second pass begins.
-ChangingText::ChangingText(const std::string& aText, char aFirstByteOfSecondPass)
-    : mPageSize(static_cast<size_t>(sysconf(_SC_PAGESIZE))), mFirstByteOfSecondPass(aFirstByteOfSecondPass) {
+// The first byte is the last one of a page, the others stand in the next page, and only one of the two can be
+// read. So each fault says that a reader has gone from the one to the other, and a fault on the way back that
+// another reading begins.
+ChangingText::ChangingText(const std::string& aText, char aChangedFirstByte, int aChangedReading)
+    : mPageSize(static_cast<size_t>(sysconf(_SC_PAGESIZE))),
+      mChangedFirstByte(aChangedFirstByte),
+      mChangedReading(aChangedReading) {
   mPages = static_cast<char*>(
       mmap(nullptr, 2 * mPageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
   mText = mPages + mPageSize - 1;
@@ -33,14 +35,18 @@ ChangingText::~ChangingText() {
 }
 
 void ChangingText::OnFault(int /* aSignal */) {
-  if (sCurrent->mfSecondPass) {
-    mprotect(sCurrent->mPages, 2 * sCurrent->mPageSize, PROT_READ | PROT_WRITE);
-    *sCurrent->mText = sCurrent->mFirstByteOfSecondPass;
+  size_t thePageSize = sCurrent->mPageSize;
+  char* theFirstPage = sCurrent->mPages;
+  bool thefBack = !sCurrent->mfAtFirstByte;
+  sCurrent->mfAtFirstByte = thefBack;
+  sCurrent->mReading += thefBack ? 1 : 0;
+  if (sCurrent->mReading == sCurrent->mChangedReading) {
+    mprotect(theFirstPage, 2 * thePageSize, PROT_READ | PROT_WRITE);
+    *sCurrent->mText = sCurrent->mChangedFirstByte;
     // Another fault is none of ours, so it ends the process.
     signal(SIGSEGV, SIG_DFL);
     return;
   }
-  sCurrent->mfSecondPass = true;
-  mprotect(sCurrent->mPages + sCurrent->mPageSize, sCurrent->mPageSize, PROT_READ);
-  mprotect(sCurrent->mPages, sCurrent->mPageSize, PROT_NONE);
+  mprotect(theFirstPage, thePageSize, thefBack ? PROT_READ : PROT_NONE);
+  mprotect(theFirstPage + thePageSize, thePageSize, thefBack ? PROT_NONE : PROT_READ);
 }

@@ -1,0 +1,447 @@
+// Whole texts, which go through in blocks, against the rules for one character at a time as they are said.
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "qvraTools/qvUTF.h"
+#include "qvraTools/qvUTF_p.h"
+#include "qvraTools/qvUnicode.h"
+#include "support/Bytes.h"
+#include "support/GuardedBytes.h"
+
+namespace {
+
+const size_t kInvalid = static_cast<size_t>(-1);
+
+typedef std::vector<uint32> Chars;
+
+// ------------------------------------------------------------------------------------------------ the rules
+
+uint32 ByteAt(const std::string& aText, size_t aPosition) {
+  return aPosition < aText.size() ? static_cast<uint8>(aText[aPosition]) : 0u;
+}
+
+// The original forms of UTF-8: from how many bits on a character takes one byte more.
+std::string Encode(uint32 aChar) {
+  if (aChar < 0x80) {
+    return std::string(1, static_cast<char>(aChar));
+  }
+  size_t theLength = aChar < 0x800       ? 2
+                     : aChar < 0x10000   ? 3
+                     : aChar < 0x200000  ? 4
+                     : aChar < 0x4000000 ? 5
+                                         : 6;
+  std::string theBytes;
+  for (size_t i = 1; i < theLength; ++i) {
+    theBytes.insert(0, 1, static_cast<char>(0x80 | (aChar & 0x3F)));
+    aChar >>= 6;
+  }
+  theBytes.insert(0, 1, static_cast<char>((0xFF00 >> theLength & 0xFF) | aChar));
+  return theBytes;
+}
+
+// The length of the first character, or 0 when none is there.
+size_t Decode(const std::string& aText, size_t aPosition, uint32* aChar) {
+  uint32 theLead = ByteAt(aText, aPosition);
+  size_t theLength = theLead < 0x80   ? 1
+                     : theLead < 0xC0 ? 0
+                     : theLead < 0xE0 ? 2
+                     : theLead < 0xF0 ? 3
+                     : theLead < 0xF8 ? 4
+                     : theLead < 0xFC ? 5
+                     : theLead < 0xFE ? 6
+                                      : 0;
+  if (theLength == 0 || aPosition + theLength > aText.size()) {
+    return 0;
+  }
+  *aChar = theLength == 1 ? theLead : theLead & (0x7Fu >> theLength);
+  for (size_t i = 1; i < theLength; ++i) {
+    uint32 theByte = ByteAt(aText, aPosition + i);
+    if (theByte < 0x80 || theByte > 0xBF) {
+      return 0;
+    }
+    *aChar = *aChar * 64 + theByte - 0x80;
+  }
+  return Encode(*aChar).size() == theLength ? theLength : 0;
+}
+
+// The characters up to the first that is none, which is at *aValidLength.
+Chars DecodeAll(const std::string& aText, size_t* aValidLength) {
+  Chars theChars;
+  size_t thePosition = 0;
+  uint32 theChar = 0;
+  while (thePosition < aText.size()) {
+    size_t theTaken = Decode(aText, thePosition, &theChar);
+    if (theTaken == 0) {
+      break;
+    }
+    theChars.push_back(theChar);
+    thePosition += theTaken;
+  }
+  *aValidLength = thePosition;
+  return theChars;
+}
+
+std::string ToISO88591(const std::string& aText) {
+  std::string theResult;
+  for (size_t i = 0; i < aText.size();) {
+    uint32 theLead = ByteAt(aText, i);
+    if (theLead >= 0xE0) {
+      theResult += '?';
+      i += theLead >= 0xF0 ? 5 : 4;
+    } else if (theLead >= 0xC0) {
+      theResult += static_cast<char>(theLead << 6 | (ByteAt(aText, i + 1) & 0x3F));
+      i += 2;
+    } else {
+      theResult += aText[i];
+      i += 1;
+    }
+  }
+  return theResult;
+}
+
+// *aResult gets what the worker has to say in the end, but for too little room.
+std::string FromUTF16(const std::string& aText, bool afBigEndian, bool afStrict, int* aResult) {
+  auto UnitAt = [&](size_t i) {
+    return afBigEndian ? ByteAt(aText, i) << 8 | ByteAt(aText, i + 1)
+                       : ByteAt(aText, i + 1) << 8 | ByteAt(aText, i);
+  };
+  std::string theUTF8;
+  *aResult = 1;
+  for (size_t i = 0; i + 2 <= aText.size(); i += 2) {
+    uint32 theChar = UnitAt(i);
+    if (theChar >= 0xD800 && theChar <= 0xDBFF) {
+      if (i + 4 > aText.size()) {
+        *aResult = 2;
+        break;
+      }
+      uint32 theLow = UnitAt(i + 2);
+      if (theLow >= 0xDC00 && theLow <= 0xDFFF) {
+        theChar = ((theChar - 0xD800) << 10) + theLow + 0x2400;
+        i += 1;  // not the two bytes of the low half
+      } else if (afStrict) {
+        *aResult = 3;
+        break;
+      }
+    } else if (theChar >= 0xDC00 && theChar <= 0xDFFF && afStrict) {
+      *aResult = 3;
+      break;
+    }
+    theUTF8 += Encode(theChar);
+  }
+  return theUTF8;
+}
+
+// ----------------------------------------------------------------------------------------------- the texts
+
+// Texts of runs of one length of character, in which now and then something is wrong.
+class Texts {
+ public:
+  explicit Texts(unsigned aSeed) : mRandom(aSeed) {}
+
+  uint32 Below(uint32 aLimit) { return static_cast<uint32>(mRandom()) % aLimit; }
+
+  // A character that takes so many bytes, at the edges of what they hold more often than chance would have
+  // it.
+  uint32 CharOf(size_t aLength) {
+    static const uint32 kMax[7] = {0, 0x7F, 0x7FF, 0xFFFF, 0x1FFFFF, 0x3FFFFFF, 0x7FFFFFFF};
+    uint32 theFirst = aLength == 1 ? 1 : kMax[aLength - 1] + 1;
+    uint32 theSpan = kMax[aLength] - theFirst;
+    return Below(8) == 0 ? theFirst : Below(8) == 0 ? kMax[aLength] : theFirst + Below(theSpan);
+  }
+
+  Chars Make(size_t aLength, size_t aMaxCharLength) {
+    Chars theChars;
+    while (theChars.size() < aLength) {
+      size_t theCharLength = 1 + (Below(2) == 0 ? 0 : Below(static_cast<uint32>(aMaxCharLength)));
+      size_t theRun = 1 + Below(Below(4) == 0 ? 60 : 7);
+      for (size_t i = 0; i < theRun && theChars.size() < aLength; ++i) {
+        theChars.push_back(CharOf(theCharLength));
+      }
+    }
+    return theChars;
+  }
+
+  std::string MakeUTF8(size_t aLength, size_t aMaxCharLength = 3) {
+    std::string theText;
+    for (uint32 theChar : Make(aLength, Below(4) == 0 ? 6 : aMaxCharLength)) {
+      theText += Encode(theChar);
+    }
+    return theText;
+  }
+
+  // One byte is another one or missing, or strange ones come in between.
+  void Spoil(std::string& aText) {
+    static const char* const kStrange[] = {
+        "\x80", "\xC0\x80",     "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xFE",
+        "\xFF", "\xED\xA0\x80", "\xC3",     "\xE2\x82",     "\xF0\x9F\x98",     "\xF4\x90\x80\x80"};
+    if (aText.empty()) {
+      return;
+    }
+    size_t thePosition = Below(static_cast<uint32>(aText.size()));
+    switch (Below(3)) {
+      case 0:
+        aText[thePosition] = static_cast<char>(1 + Below(255));
+        break;
+      case 1:
+        aText.erase(thePosition, 1);
+        break;
+      default:
+        aText.insert(thePosition, kStrange[Below(12)]);
+    }
+  }
+
+ private:
+  std::mt19937 mRandom;
+};
+
+// aCheck gets texts of all small lengths and some long ones, half of them spoilt.
+template <typename Check>
+void WithTexts(unsigned aSeed, Check aCheck) {
+  Texts theTexts(aSeed);
+  for (int theRound = 0; theRound < 4000; ++theRound) {
+    bool theLongFlag = theRound % 200 == 0;
+    std::string theText = theTexts.MakeUTF8(theLongFlag ? 3000 + theTexts.Below(3000) : theTexts.Below(120));
+    for (uint32 i = theTexts.Below(2) == 0 ? 0 : 1 + theTexts.Below(3); i > 0; --i) {
+      theTexts.Spoil(theText);
+    }
+    aCheck(theText, theTexts);
+    if (testing::Test::HasFailure()) {
+      ADD_FAILURE() << "round " << theRound << ", " << testing::PrintToString(theText);
+      return;
+    }
+  }
+}
+
+// What is in the room, with the terminator if there is room for it, and nothing written behind.
+void ExpectWide(const Chars& anExpected, size_t aRoom, bool afTerminated, const std::vector<wchar_t>& aWide) {
+  for (size_t i = 0; i < anExpected.size(); ++i) {
+    ASSERT_EQ(anExpected[i], static_cast<uint32>(aWide[i])) << i;
+  }
+  size_t theEnd = anExpected.size();
+  if (afTerminated && theEnd < aRoom) {
+    ASSERT_EQ(L'\0', aWide[theEnd]);
+    ++theEnd;
+  }
+  for (; theEnd < aWide.size(); ++theEnd) {
+    ASSERT_EQ(L'#', aWide[theEnd]) << theEnd;
+  }
+}
+
+void CheckToWide(const std::string& aText, size_t aRoom) {
+  size_t theValidLength;
+  Chars theChars = DecodeAll(aText, &theValidLength);
+  bool theValidFlag = theValidLength == aText.size();
+  GuardedBytes theCopy(aText + '\0');
+  EXPECT_EQ(theValidFlag ? theChars.size() : kInvalid, qvUnicode_UTF8ToWide(nullptr, theCopy.Data(), 0));
+  std::vector<wchar_t> theWide(aRoom + 20, L'#');
+  size_t theCount = qvUnicode_UTF8ToWide(theWide.data(), theCopy.Data(), aRoom);
+  if (theChars.size() >= aRoom) {
+    theChars.resize(aRoom);
+    EXPECT_EQ(aRoom, theCount);
+  } else {
+    EXPECT_EQ(theValidFlag ? theChars.size() : kInvalid, theCount);
+  }
+  ExpectWide(theChars, aRoom, theCount != kInvalid, theWide);
+}
+
+void CheckFromWide(const Chars& aChars, size_t aRoom) {
+  std::string theWide;
+  std::string theExpected;
+  std::string theWhole;
+  bool theFitsFlag = true;
+  for (uint32 theChar : aChars) {
+    std::string theBytes = Encode(theChar & 0x7FFFFFFF);
+    theWhole += theBytes;
+    theFitsFlag = theFitsFlag && theExpected.size() + theBytes.size() <= aRoom;
+    theExpected += theFitsFlag ? theBytes : "";
+    theWide.append(reinterpret_cast<const char*>(&theChar), sizeof(theChar));
+  }
+  GuardedBytes theCopy(theWide + std::string(sizeof(wchar_t), '\0'));
+  const wchar_t* theText = reinterpret_cast<const wchar_t*>(theCopy.Data());
+  EXPECT_EQ(theWhole.size(), qvUnicode_WideToUTF8(nullptr, theText, 0));
+  std::string theRoom(aRoom + 20, '#');
+  EXPECT_EQ(theExpected.size(), qvUnicode_WideToUTF8(&theRoom[0], theText, aRoom));
+  theExpected += theExpected.size() < aRoom ? std::string(1, '\0') : "";
+  EXPECT_EQ(theExpected + std::string(theRoom.size() - theExpected.size(), '#'), theRoom);
+}
+
+void CheckUTF16(const std::string& aText, size_t aRoom) {
+  GuardedBytes theCopy(aText);
+  int theResult;
+  std::string theBig = FromUTF16(aText, true, false, &theResult);
+  std::string theLittle = FromUTF16(aText, false, false, &theResult);
+  EXPECT_EQ(theBig + '\0', TakeText(qvUTF_UTF16BEToUTF8(theCopy.Data(), aText.size()), theBig.size() + 1));
+  EXPECT_EQ(theLittle + '\0',
+            TakeText(qvUTF_UTF16LEToUTF8(theCopy.Data(), aText.size()), theLittle.size() + 1));
+  for (bool thefStrict : {false, true}) {
+    std::string theExpected = FromUTF16(aText, true, thefStrict, &theResult) + '\0';
+    std::string theRoom(aRoom + 20, '#');
+    size_t theCount = 0;
+    EXPECT_EQ(
+        theExpected.size() > aRoom ? 4 : theResult,
+        qvUTF_S_UTF16ToUTF8(theCopy.Data(), aText.size(), 1, thefStrict, &theRoom[0], aRoom, &theCount));
+    EXPECT_EQ(theExpected.size(), theCount);
+    theExpected.resize(std::min(theExpected.size(), aRoom));
+    EXPECT_EQ(theExpected, theRoom.substr(0, theExpected.size()));
+    EXPECT_EQ(std::string(20, '#'), theRoom.substr(aRoom)) << "behind the room";
+  }
+}
+
+void AppendUnit(std::string& aText, uint32 aUnit) {
+  aText += static_cast<char>(aUnit >> 8);
+  aText += static_cast<char>(aUnit & 0xFF);
+}
+
+}  // namespace
+
+TEST(qvUTFTexts, UTF8BecomesWideCharacterByCharacter) {
+  WithTexts(1, [](const std::string& aText, Texts& aTexts) {
+    CheckToWide(aText, aTexts.Below(static_cast<uint32>(aText.size()) + 3));
+    CheckToWide(aText, aText.size() + 1);
+  });
+}
+
+TEST(qvUTFTexts, UTF8BecomesWideInRoomOfAnySize) {
+  Texts theTexts(2);
+  std::string theText = theTexts.MakeUTF8(90, 4);
+  for (size_t theRoom = 0; theRoom < 100; ++theRoom) {
+    CheckToWide(theText, theRoom);
+    CheckToWide(theText + "\xFF", theRoom);
+  }
+}
+
+TEST(qvUTFTexts, CharactersThatLieAcrossTheEndOfAPieceStayWhole) {
+  for (const char* theChar :
+       {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xFD\xBF\xBF\xBF\xBF\xBF", "\xE2\x82"}) {
+    for (size_t theLength = 4086; theLength < 4100; ++theLength) {
+      std::string theText = std::string(theLength, 'a') + theChar;
+      CheckToWide(theText, theText.size() + 1);
+      CheckToWide(theText + "bc", theLength);
+      CheckToWide(theText + "bc", theLength + 1);
+    }
+  }
+}
+
+TEST(qvUTFTexts, ValidPartEndsInFrontOfTheFirstMalformedCharacter) {
+  WithTexts(3, [](const std::string& aText, Texts& aTexts) {
+    std::string theText = aText;
+    if (!theText.empty() && aTexts.Below(3) == 0) {
+      theText[aTexts.Below(static_cast<uint32>(theText.size()))] = '\0';
+    }
+    size_t theValidLength;
+    DecodeAll(theText, &theValidLength);
+    GuardedBytes theCopy(theText);
+    EXPECT_EQ(static_cast<int>(theValidLength),
+              qvUTF_MakeValidUTF8(theCopy.Data(), static_cast<int>(theText.size())));
+    if (theValidLength < theText.size()) {
+      theText[theValidLength] = '\0';
+    }
+    EXPECT_EQ(theText, std::string(theCopy.Data(), theText.size()));
+  });
+}
+
+TEST(qvUTFTexts, WideBecomesUTF8CharacterByCharacter) {
+  Texts theTexts(4);
+  for (int theRound = 0; theRound < 4000 && !HasFailure(); ++theRound) {
+    size_t theLength = theRound % 200 == 0 ? 3000 + theTexts.Below(3000) : theTexts.Below(120);
+    Chars theChars = theTexts.Make(theLength, theRound % 4 == 0 ? 6 : 3);
+    for (uint32& theChar : theChars) {
+      theChar |= theTexts.Below(50) == 0 ? 0x80000000u : 0;
+    }
+    CheckFromWide(theChars, theTexts.Below(static_cast<uint32>(2 * theLength) + 3));
+    CheckFromWide(theChars, 6 * theLength + 1);
+  }
+}
+
+TEST(qvUTFTexts, WideBecomesUTF8InRoomOfAnySize) {
+  Texts theTexts(5);
+  Chars theChars = theTexts.Make(90, 4);
+  for (size_t theRoom = 0; theRoom < 300; ++theRoom) {
+    CheckFromWide(theChars, theRoom);
+  }
+}
+
+TEST(qvUTFTexts, RoomMayBeEndless) {
+  wchar_t theWide[4];
+  EXPECT_EQ(3u, qvUnicode_UTF8ToWide(theWide, "abc", static_cast<size_t>(-1)));
+  EXPECT_STREQ(L"abc", theWide);
+  char theBytes[7];
+  EXPECT_EQ(6u, qvUnicode_WideToUTF8(theBytes, L"a\x20AC\xE9", static_cast<size_t>(-1)));
+  EXPECT_STREQ("a\xE2\x82\xAC\xC3\xA9", theBytes);
+}
+
+TEST(qvUTFTexts, UTF16BecomesUTF8UnitByUnit) {
+  Texts theTexts(6);
+  for (int theRound = 0; theRound < 4000 && !HasFailure(); ++theRound) {
+    std::string theText;
+    bool theSurrogatesFlag = theTexts.Below(2) == 0;
+    for (uint32 theChar : theTexts.Make(theRound % 200 == 0 ? 3000 : theTexts.Below(120), 3)) {
+      AppendUnit(theText, theChar);
+      if (theSurrogatesFlag && theTexts.Below(20) == 0) {
+        AppendUnit(theText, 0xD800 + theTexts.Below(0x800));
+      }
+    }
+    if (theTexts.Below(2) == 0) {
+      theText += 'x';
+    }
+    CheckUTF16(theText, theTexts.Below(static_cast<uint32>(2 * theText.size()) + 3));
+  }
+}
+
+TEST(qvUTFTexts, UTF16OfEveryUnitBecomesUTF8) {
+  std::string theText;
+  for (uint32 theUnit = 0; theUnit < 0x10000; ++theUnit) {
+    AppendUnit(theText, theUnit);
+  }
+  CheckUTF16(theText, 3 * 0x10000);
+}
+
+TEST(qvUTFTexts, ISO88591BecomesUTF8ByteByByteAndBack) {
+  Texts theTexts(7);
+  for (int theRound = 0; theRound < 2000 && !HasFailure(); ++theRound) {
+    std::string theText;
+    std::string theUTF8;
+    uint32 theHighOnes = 1 + theTexts.Below(40);
+    for (uint32 i = theTexts.Below(200); i > 0; --i) {
+      uint32 theChar = theTexts.Below(theHighOnes) == 0 ? 0x80 + theTexts.Below(0x80) : theTexts.Below(0x80);
+      theText += static_cast<char>(theChar);
+      theUTF8 += Encode(theChar);
+    }
+    GuardedBytes theCopy(theText);
+    GuardedBytes theUTF8Copy(theUTF8);
+    EXPECT_EQ(theUTF8 + '\0',
+              TakeText(qvUTF_ISO88591ToUTF8(theCopy.Data(), theText.size()), theUTF8.size() + 1));
+    EXPECT_EQ(theText + '\0',
+              TakeText(qvUTF_UTF8ToISO88591(theUTF8Copy.Data(), theUTF8.size()), theText.size() + 1));
+  }
+}
+
+TEST(qvUTFTexts, UTF8BecomesISO88591CharacterByCharacter) {
+  WithTexts(8, [](const std::string& aText, Texts&) {
+    std::string theExpected = ToISO88591(aText);
+    GuardedBytes theCopy(aText);
+    EXPECT_EQ(theExpected + '\0',
+              TakeText(qvUTF_UTF8ToISO88591(theCopy.Data(), aText.size()), theExpected.size() + 1));
+  });
+}
+
+TEST(qvUTFTexts, LeadsInFrontOfAnythingBecomeISO88591) {
+  Texts theTexts(9);
+  for (int theRound = 0; theRound < 4000 && !HasFailure(); ++theRound) {
+    std::string theText;
+    for (uint32 i = theTexts.Below(100); i > 0; --i) {
+      uint32 theKind = theTexts.Below(8);
+      theText += static_cast<char>(theKind < 5    ? 'a'
+                                   : theKind == 5 ? 0xC0 + theTexts.Below(0x40)
+                                                  : 0x80 + theTexts.Below(0x60));
+    }
+    std::string theExpected = ToISO88591(theText);
+    GuardedBytes theCopy(theText);
+    EXPECT_EQ(theExpected + '\0',
+              TakeText(qvUTF_UTF8ToISO88591(theCopy.Data(), theText.size()), theExpected.size() + 1));
+  }
+}
