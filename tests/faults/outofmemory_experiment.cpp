@@ -21,7 +21,7 @@ namespace {
 // Allocations of a test that are tried one by one. Few tests have more than those of a night, and what
 // happens at their thousands is much the same.
 constexpr const char* kFirstPointsAtMerge = "16";
-constexpr const char* kFirstPointsAtNight = "1000";
+constexpr const char* kFirstPointsAtNight = "400";
 
 // The tests of a program, as SUITE.TEST.
 std::vector<std::string> TestsOf(const std::string& aProgram) {

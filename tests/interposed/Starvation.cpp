@@ -11,8 +11,10 @@
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <new>
 
 #include "interposed/PlannedCalls.h"
@@ -25,7 +27,9 @@ void StopPlannedCalls() __attribute__((weak));
 
 namespace {
 
-constexpr unsigned kLimit = 10;  // seconds until a child that hangs is ended
+constexpr unsigned kLimit = 10;        // seconds until a child that hangs is ended
+constexpr long kSlow = 1;              // seconds of a child
+constexpr unsigned kFirstGapBits = 5;  // with each slow child, the gaps double up to the index itself
 constexpr size_t kTextSize = 200;
 constexpr size_t kThreadWords = 256;  // of the description of a thread, among which its number is
 
@@ -33,6 +37,7 @@ StarvationReport* sReport = nullptr;
 size_t sFirstPoints = 0;  // of a sample; 0: all points are tried
 std::atomic<size_t> sIndex{0};
 std::atomic<size_t> sNextPoint{0};
+std::atomic<unsigned> sSlowChildren{0};
 std::atomic<bool> sfStarved{false};   // the allocation that was to fail has failed
 std::atomic<bool> sfNoMemory{false};  // and now all do
 std::atomic<size_t> sStarveAt{static_cast<size_t>(-1)};
@@ -83,7 +88,8 @@ void Judge(int aStatus, int anOutput, int anError, const char* aKind, size_t aSi
   char theError[kTextSize];
   ReadStart(anOutput, theOutput);
   ReadStart(anError, theError);
-  // Another thread may have held a lock of the C library when the child was split off.
+  // Another thread may have held a lock of the C library when the child was split off, or it waits for a peer
+  // that only the parent has.
   if (WIFSIGNALED(aStatus) && WTERMSIG(aStatus) == SIGALRM) {
     return;
   }
@@ -113,6 +119,13 @@ void TakeOverNumber(const pid_t* aParentWords, pid_t aParent) {
   }
 }
 
+// Of a clock that nobody sets, in whole ones.
+long Seconds() {
+  struct timespec theNow = {};
+  syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &theNow);
+  return theNow.tv_sec;
+}
+
 // True in the child in which the allocation is to fail.
 bool TryPoint(bool afFromNowOn, const char* aKind, size_t aSize) {
   const int theErrno = errno;
@@ -138,11 +151,13 @@ bool TryPoint(bool afFromNowOn, const char* aKind, size_t aSize) {
     return true;
   }
   int theStatus = 0;
+  const long theStart = Seconds();
   while (theChild > 0 && waitpid(theChild, &theStatus, 0) == -1) {
     theChild = errno == EINTR ? theChild : -1;
   }
   if (theChild > 0) {
     Judge(theStatus, theOutput, theError, aKind, aSize);
+    sSlowChildren += Seconds() - theStart > kSlow ? 1 : 0;
     char theTrace[64];
     snprintf(theTrace, sizeof(theTrace), "/tmp/backtrace_%d.txt", theChild);
     syscall(SYS_unlinkat, AT_FDCWD, theTrace, 0);
@@ -170,6 +185,11 @@ bool FailsHere(const char* aKind, size_t aSize) {
   // Behind the first points of a sample, each gap is a share of the index, and one of the two is tried.
   const bool theSampled = sFirstPoints > 0 && theIndex >= sFirstPoints;
   sNextPoint = theIndex + 1 + (theSampled ? theIndex * 2 / sFirstPoints : 0);
+  // A child that waits in its end, for a back-trace or for ever, takes the time of a thousand others, and
+  // where one does, its neighbours do.
+  if (sSlowChildren > 0) {
+    sNextPoint = sNextPoint + (theIndex >> (kFirstGapBits - std::min(sSlowChildren.load(), kFirstGapBits)));
+  }
   return ((!theSampled || theIndex % 2 == 0) && TryPoint(false, aKind, aSize)) ||
          ((!theSampled || theIndex % 2 == 1) && TryPoint(true, aKind, aSize));
 }
