@@ -164,15 +164,19 @@ void qvCString::Alloc(size_t aLength) {
   if (mCStringData->mAllocatedLength > aLength) {
     return;
   }
-  if (!mCStringData->IsShared() && !mCStringData->IsEmpty()) {
+  if (mCStringData->IsEmpty()) {
+    AllocBuffer(aLength);
+    mStringPtr[0] = '\0';
+    mCStringData->mStringLength = 0;
+  } else if (mCStringData->IsShared()) {
+    qvCString theOld;
+    Swap(theOld);
+    AllocBuffer(aLength);
+    memcpy(mStringPtr, theOld.mStringPtr, theOld.length() + 1);
+    mCStringData->mStringLength = theOld.mCStringData->mStringLength;
+  } else {
     GrowBlock(aLength);
-    return;
   }
-  qvCString theOld;
-  Swap(theOld);
-  AllocBuffer(aLength);
-  memcpy(mStringPtr, theOld.mStringPtr, theOld.length() + 1);
-  mCStringData->mStringLength = theOld.mCStringData->mStringLength;
 }
 
 void qvCString::AllocBuffer(size_t aLength) {
