@@ -47,34 +47,48 @@ static bool qvCStringParser_S_ReadMembers(const char** aPattern, unsigned char a
   return thefMember;
 }
 
-static bool qvCStringParser_S_MatchesClass(const char** aPattern, unsigned char aByte) {
-  bool thefNegated = **aPattern == kqvCStringParser_Negate;
+// What follows the class behind a '[', or null when aByte is not in the class.
+static const char* qvCStringParser_S_MatchClass(const char* aPattern, unsigned char aByte) {
+  const bool thefNegated = *aPattern == kqvCStringParser_Negate;
   if (thefNegated) {
-    ++*aPattern;
+    ++aPattern;
   }
-  return qvCStringParser_S_ReadMembers(aPattern, aByte) != thefNegated;
+  return qvCStringParser_S_ReadMembers(&aPattern, aByte) != thefNegated ? aPattern : NULL;
 }
 
-// Whether aByte matches the element at *aPattern, which is not '*' and not the end; leaves *aPattern behind
-// the element if so.
-static bool qvCStringParser_S_MatchesElement(const char** aPattern, char aByte) {
-  char theElement = *(*aPattern)++;
-  switch (theElement) {
+// What follows the element at aPattern, which is not '*' and not the end, or null when aByte does not match
+// the element.
+static const char* qvCStringParser_S_MatchElement(const char* aPattern, char aByte) {
+  switch (*aPattern) {
     case kqvCStringParser_AnyByte:
-      return true;
+      return aPattern + 1;
     case kqvCStringParser_ClassOpen:
-      return qvCStringParser_S_MatchesClass(aPattern, static_cast<unsigned char>(aByte));
+      return qvCStringParser_S_MatchClass(aPattern + 1, static_cast<unsigned char>(aByte));
     case kqvCStringParser_Literal:
-      if (**aPattern == '\0') {
-        return false;  // nothing to take literally; the text's byte is not its terminator
-      }
-      return aByte == *(*aPattern)++;
+      // At the end of the pattern there is nothing to take literally; aByte is not the terminator.
+      return aByte == aPattern[1] ? aPattern + 2 : NULL;
     default:
       // KEEP qvCStringParserKept.LettersCompareWithTheirCaseEvenWhenItIsNotRelevant
       // The bytes have to be equal as they stand. Case relevance asks for equal lower-case forms on top of
       // that, which equal bytes always have, so it changes nothing.
-      return aByte == theElement;
+      return aByte == *aPattern ? aPattern + 1 : NULL;
   }
+}
+
+// Whether an element stands for itself and nothing else.
+static bool qvCStringParser_S_IsPlain(char anElement) {
+  return anElement != kqvCStringParser_AnyByte && anElement != kqvCStringParser_ClassOpen &&
+         anElement != kqvCStringParser_Literal;
+}
+
+// Where what follows a '*' can match at the earliest: at its first byte, when that stands for itself.
+static const char* qvCStringParser_S_NextStart(const char* aPattern, const char* aText, char anEOLChar) {
+  if (qvCStringParser_S_IsPlain(*aPattern)) {
+    while (*aText != *aPattern && !qvCStringParser_S_IsTextEnd(*aText, anEOLChar)) {
+      ++aText;
+    }
+  }
+  return aText;
 }
 
 // Goes back to the last '*' only: a part of the pattern between two '*' matches best where it matches first,
@@ -84,7 +98,6 @@ static bool qvCStringParser_S_Matches(const char* aPattern, const char* aText, c
   const char* theStarPattern = NULL;  // what follows the last '*', or null before there was one
   const char* theStarText = NULL;     // where that was last tried
   for (;;) {
-    bool thefTextEnd = qvCStringParser_S_IsTextEnd(*aText, anEOLChar);
     if (*aPattern == kqvCStringParser_AnyBytes) {
       while (*aPattern == kqvCStringParser_AnyBytes) {
         ++aPattern;
@@ -93,13 +106,14 @@ static bool qvCStringParser_S_Matches(const char* aPattern, const char* aText, c
         return true;
       }
       theStarPattern = aPattern;
-      theStarText = aText;
-      continue;
+      aText = theStarText = qvCStringParser_S_NextStart(aPattern, aText, anEOLChar);
     }
-    if (thefTextEnd) {
+    if (qvCStringParser_S_IsTextEnd(*aText, anEOLChar)) {
       return *aPattern == '\0';
     }
-    if (*aPattern != '\0' && qvCStringParser_S_MatchesElement(&aPattern, *aText)) {
+    const char* theBehind = *aPattern != '\0' ? qvCStringParser_S_MatchElement(aPattern, *aText) : NULL;
+    if (theBehind != NULL) {
+      aPattern = theBehind;
       ++aText;
       continue;
     }
@@ -107,7 +121,7 @@ static bool qvCStringParser_S_Matches(const char* aPattern, const char* aText, c
       return false;
     }
     aPattern = theStarPattern;
-    aText = ++theStarText;
+    aText = theStarText = qvCStringParser_S_NextStart(aPattern, theStarText + 1, anEOLChar);
   }
 }
 

@@ -3,8 +3,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvConvert.h"
+#include "qvraTools/qvMalloc.h"
 #include "qvraTools/qvTime_p.h"
 
 #define kqvTime_Separators     " ,:"
@@ -14,6 +14,7 @@
 #define kqvTime_WeekDays       7
 #define kqvTime_Months         12
 #define kqvTime_ZoneNames      10
+#define kqvTime_NameLength     3 /* characters of a day or a month */
 #define kqvTime_ZoneLength     5 /* characters of "+0130" */
 
 #define kqvTimeError_NullText (-1)
@@ -202,10 +203,25 @@ int qvTime_ParseRFC1123Date(const char* aStr, qvtm* aResult) {
   return qvTime_S_ParseRFC1123Date(aStr, aResult, &theZoneMinutes);
 }
 
+static void qvTime_S_PutTwoDigits(char* aPlace, int aNumber) {
+  aPlace[0] = static_cast<char>('0' + aNumber / 10);
+  aPlace[1] = static_cast<char>('0' + aNumber % 10);
+}
+
+// "Sun, 06 Nov 1994 08:49:37 GMT": each field has its place, so no format is read. That holds for the years
+// in reach of 32 bits of seconds, which are 1901 to 2038.
 char* qvTime_S_NewRFC1123Date(const qvtm* aTime) {
-  return qv_mnprintf("%s, %02d %s %04d %02d:%02d:%02d GMT", kqvTime_WeekDayNames[aTime->tm_wday],
-                     aTime->tm_mday, kqvTime_MonthNames[aTime->tm_mon], aTime->tm_year + kqvTime_YearBase,
-                     aTime->tm_hour, aTime->tm_min, aTime->tm_sec);
+  char* theText = qvStrdup("www, dd mmm yyyy hh:mm:ss GMT");
+  const int theYear = aTime->tm_year + kqvTime_YearBase;
+  memcpy(theText, kqvTime_WeekDayNames[aTime->tm_wday], kqvTime_NameLength);
+  qvTime_S_PutTwoDigits(theText + 5, aTime->tm_mday);
+  memcpy(theText + 8, kqvTime_MonthNames[aTime->tm_mon], kqvTime_NameLength);
+  qvTime_S_PutTwoDigits(theText + 12, theYear / 100);
+  qvTime_S_PutTwoDigits(theText + 14, theYear % 100);
+  qvTime_S_PutTwoDigits(theText + 17, aTime->tm_hour);
+  qvTime_S_PutTwoDigits(theText + 20, aTime->tm_min);
+  qvTime_S_PutTwoDigits(theText + 23, aTime->tm_sec);
+  return theText;
 }
 
 char* qvTime_GetRFC1123Date(void) {

@@ -5,7 +5,6 @@
 #include "qvOS/qvMACAddress.h"
 #include "qvOS/qvThread.h"
 #include "qvOS/qvTime.h"
-#include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvLongLong.h"
 #include "qvraTools/qvRand.h"
 #include "qvraTools/qvUUID_p.h"
@@ -125,9 +124,11 @@ void qvUUID_Generate(uint8* anUUID) {
 }
 
 void qvUUID_Print(const uint8* anUUID, char* aBuffer) {
-  qv_snprintf(aBuffer, kqvUUID_TextSize,
-              "%-2.2x%-2.2x%-2.2x%-2.2x-%-2.2x%-2.2x-%-2.2x%-2.2x-%-2.2x%-2.2x-"
-              "%-2.2x%-2.2x%-2.2x%-2.2x%-2.2x%-2.2x",
-              anUUID[0], anUUID[1], anUUID[2], anUUID[3], anUUID[4], anUUID[5], anUUID[6], anUUID[7],
-              anUUID[8], anUUID[9], anUUID[10], anUUID[11], anUUID[12], anUUID[13], anUUID[14], anUUID[15]);
+  static const char kDigits[] = "0123456789abcdef";
+  static const uint8 kPlaces[] = {0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
+  memcpy(aBuffer, "........-....-....-....-............", kqvUUID_TextSize);
+  for (size_t i = 0; i < sizeof(kPlaces); ++i) {
+    aBuffer[kPlaces[i]] = kDigits[anUUID[i] >> 4];
+    aBuffer[kPlaces[i] + 1] = kDigits[anUUID[i] & 0xF];
+  }
 }

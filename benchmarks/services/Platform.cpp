@@ -29,6 +29,7 @@ static bool ReadDate() {
 static bool Match(const char* aPattern, const char* aText) { return fnmatch(aPattern, aText, 0) == 0; }
 
 static pthread_mutex_t* NewRecursiveMutex() {
+  StartSecondThread();
   static pthread_mutex_t sMutex;
   pthread_mutexattr_t theAttributes;
   pthread_mutexattr_init(&theAttributes);

@@ -1,6 +1,9 @@
 #ifndef _BENCHMARKS_SERVICES_WORKLOAD_H
 #define _BENCHMARKS_SERVICES_WORKLOAD_H
 
+#include <pthread.h>
+#include <unistd.h>
+
 #include "Contender.h"
 
 /*
@@ -50,5 +53,21 @@ constexpr unsigned char kUUID[16] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xab, 0x1c, 0
                             "front end: tuner 2 lost its lock at 10714 MHz", false),                    \
       SERVICES_WILDCARD_ROW("any byte", NAME, MATCH, "qvLog.????????.ini", "qvLog.mediabox.ini", true), \
       SERVICES_WILDCARD_ROW("class", NAME, MATCH, "rec[0-9][0-9]-[a-z]*.m[jk]*", "rec07-evening.mkv", true)
+
+// A lock is for processes with threads; alone in one, the system's needs no atomic operation.
+inline void StartSecondThread() {
+  static const bool sfStarted = [] {
+    pthread_t theThread;
+    return pthread_create(
+               &theThread, nullptr,
+               [](void*) -> void* {
+                 for (;;) {
+                   pause();
+                 }
+               },
+               nullptr) == 0;
+  }();
+  benchmark::DoNotOptimize(sfStarted);
+}
 
 #endif

@@ -39,7 +39,7 @@ static bool Match(const char* aPattern, const char* aText) {
 }
 
 static bool LockPair() {
-  static qvOSMutex* const sMutex = qvMutex_New();
+  static qvOSMutex* const sMutex = (StartSecondThread(), qvMutex_New());
   return qvMutex_Lock(sMutex) == 0 && qvMutex_Unlock(sMutex) == 0;
 }
 
