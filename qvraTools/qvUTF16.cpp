@@ -102,8 +102,32 @@ static inline void qvUTF_S_NarrowGroup(char* anOut, const uint8* anIn, bool afSw
   }
 }
 
+// Converts the last units of a text, fewer than a group, as one that is filled up with zeros. Returns how
+// many bytes of the text that takes: none when there are surrogates or no room.
+static size_t qvUTF_S_PutLastUnits(qvUTF_S_Output* anOutput, const uint8* anIn, size_t aLength,
+                                   bool afSwapped) {
+  size_t theUnits = aLength / kqvUTF_UnitSize;
+  uint8 theBytes[kqvUTF_GroupSize] = {0};
+  memcpy(theBytes, anIn, theUnits * kqvUTF_UnitSize);
+  qvUTF_S_Group theGroup = qvUTF_S_ReadGroup(theBytes, afSwapped);
+  size_t theLength = qvUTF_S_CountGroup(theGroup) - (kqvUTF_GroupUnits - theUnits);
+  if (qvUTF_S_HasSurrogates(theGroup)) {
+    return 0;
+  }
+  if (anOutput->mOut != NULL) {
+    if (qvUTF_S_Room(anOutput) < theLength) {
+      return 0;
+    }
+    char theResult[kqvUTF_GroupMaxLength + 1];
+    qvUTF_S_WriteGroup(theResult, theGroup);
+    memcpy(anOutput->mOut + anOutput->mLength, theResult, theLength);
+  }
+  anOutput->mLength += theLength;
+  return theUnits * kqvUTF_UnitSize;
+}
+
 // Converts the groups at the start of a text, up to one with surrogates or for which there is no room, and
-// returns how many bytes of the text they take.
+// the units behind the last group. Returns how many bytes of the text they take.
 static size_t qvUTF_S_PutGroups(qvUTF_S_Output* anOutput, const uint8* anIn, size_t aLength, bool afSwapped) {
   qvUTF_S_Output theOutput = *anOutput;  // where nothing that is written can change it
   size_t thePosition = 0;
@@ -135,6 +159,10 @@ static size_t qvUTF_S_PutGroups(qvUTF_S_Output* anOutput, const uint8* anIn, siz
     theOutput.mLength += qvUTF_S_WriteGroup(theOutput.mOut + theOutput.mLength, theGroup);
   }
   *anOutput = theOutput;
+  size_t theLeft = aLength - thePosition;
+  if (theLeft >= kqvUTF_UnitSize && theLeft < kqvUTF_GroupSize) {
+    thePosition += qvUTF_S_PutLastUnits(anOutput, anIn + thePosition, theLeft, afSwapped);
+  }
   return thePosition;
 }
 
