@@ -129,8 +129,11 @@ static int qvFormat_S_WriteDirective(const Char*& aNext, qvFormatArguments* anAr
     anOutput->Put(*aNext++);
     return 0;
   }
-  if (qvFormatSimple_Write(aNext, anArguments, anOutput)) {
-    return 0;
+  // The short way is for log lines. Wide texts are rare, and it would be there once more for them.
+  if constexpr (sizeof(Char) == sizeof(char)) {
+    if (qvFormatSimple_Write(aNext, anArguments, anOutput)) {
+      return 0;
+    }
   }
   const Char* theStart = aNext - 1;
   qvFormatDirective theDirective;
