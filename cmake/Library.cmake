@@ -57,6 +57,8 @@ set_property(CACHE QVLOG_CXX_RUNTIME PROPERTY STRINGS hidden shared)
 if(BUILD_SHARED_LIBS AND QVLOG_CXX_RUNTIME STREQUAL "hidden" AND NOT QVLOG_SANITIZE
     AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_sources(qvLog PRIVATE ${PROJECT_SOURCE_DIR}/qvOS/cxxruntime/qvCXXRuntime.cpp)
+  # Its names are asked for by what the linker adds last.
+  set_property(SOURCE qvOS/cxxruntime/qvCXXRuntime.cpp APPEND PROPERTY COMPILE_OPTIONS -fno-lto)
   # The runtime's type information, and arithmetic that the processor lacks. Nothing is left for the shared ones, so
   # the linker leaves them out.
   target_link_libraries(qvLog PRIVATE -l:libsupc++.a)
