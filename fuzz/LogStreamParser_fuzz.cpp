@@ -107,6 +107,29 @@ static std::string ParseWhole(const std::string& aStream, const LogStreamLimits&
   return theSink.mRecords;
 }
 
+// A header in front of any bytes is recognised, and one in which a byte is wrong is not.
+static void CheckHeader(const std::string& aStream, uint32_t aLost, size_t aWrong) {
+  static const std::string kUUID = "1a2b3c4d-0000-1000-8000-0123456789ab";
+  const std::string theLost = std::to_string(aLost);
+  const std::string theHeader = "\nPROTOCOL: qvLogd-1.0\nUUID: " + kUUID + "\nLOST: " + theLost +
+                                "\nNAME: box(log started, " + theLost + " logs previously lost)\n";
+  for (bool theIsWhole : {true, false}) {
+    std::string theStream = theHeader + aStream;
+    if (!theIsWhole) {
+      theStream[aWrong % theHeader.find(" box")] = '#';
+    }
+    LogStreamLimits theLimits;
+    Rebuilder theSink(theLimits.mLineLength);
+    LogStreamParser theParser(theLimits, theSink);
+    theParser.Feed(theStream.data(), theStream.size(), 0);
+    theParser.Close(0);
+    FUZZ_REQUIRE(theSink.Holds(theStream, true));
+    FUZZ_REQUIRE(theParser.HasHeader() == theIsWhole);
+    FUZZ_REQUIRE(!theIsWhole || (theParser.Process() == "box" && theParser.UUID() == kUUID));
+    FUZZ_REQUIRE(!theIsWhole || theSink.mHeaderCount == aLost);
+  }
+}
+
 // Takes it in pieces whose lengths the bytes of aCuts tell; with the top bit of a byte there is a pause. The
 // piece's bytes are gone after the call, so that a parser that still looks at them is found.
 static void ParsePieces(const std::string& aStream, const std::string& aCuts, const LogStreamLimits& aLimits,
@@ -153,5 +176,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   ParsePieces(theStream, theCuts, theLimits, false, &thePieces);
   FUZZ_REQUIRE(thePieces == theWhole);
   ParsePieces(theStream, theCuts, theLimits, true, &thePieces);
+  if (theHeaderLimit % 4 == 0) {  // as this takes as long as all the rest
+    CheckHeader(theStream, theLimit * 65521u, theHeaderLimit / 4u + theStream.size());
+  }
   return 0;
 }
