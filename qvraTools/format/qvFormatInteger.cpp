@@ -77,7 +77,6 @@ void qvFormatNumber_Pad(const qvFormatDirective& aDirective, bool afZeros, qvFor
   uint32 theLength = aNumber->mPrefixLength + aNumber->mZerosBefore + aNumber->mDigitCount +
                      aNumber->mfPoint + aNumber->mZerosBehindPoint + aNumber->mFractionCount +
                      aNumber->mZerosAfter + aNumber->mSuffixLength;
-  aNumber->mLength = theLength < theWidth ? theWidth : theLength;
   if (theWidth <= theLength) {
     return;
   }

@@ -2,56 +2,32 @@
 
 #include "qvraTools/format/qvFormatNumber_p.h"
 
-// An output that has room for the whole number, and needs not count.
 template <typename Char>
-class qvFormatRoomyOutput {
- public:
-  explicit qvFormatRoomyOutput(Char* aNext) : mNext(aNext) {}
-
-  void Put(Char aChar) { *mNext++ = aChar; }
-  void AppendASCII(const char* aText, uint32 aLength) {
-    for (uint32 theIndex = 0; theIndex < aLength; ++theIndex) {
-      mNext[theIndex] = static_cast<Char>(aText[theIndex]);
-    }
-    mNext += aLength;
+static void qvFormat_S_Fill(Char aChar, uint32 aCount, qvFormatOutput<Char>* anOutput) {
+  if (aCount > 0) {
+    anOutput->Fill(aChar, aCount);
   }
-  void Fill(Char aChar, uint32 aLength) {
-    for (; aLength > 0; --aLength) {
-      *mNext++ = aChar;
-    }
-  }
-
- private:
-  Char* mNext;
-};
-
-template <typename Output>
-static void qvFormat_S_WriteParts(const qvFormatNumber& aNumber, Output* anOutput) {
-  anOutput->Fill(' ', aNumber.mBlanksBefore);
-  anOutput->AppendASCII(aNumber.mPrefix, aNumber.mPrefixLength);
-  anOutput->Fill('0', aNumber.mZerosBefore);
-  anOutput->AppendASCII(aNumber.mDigits, aNumber.mDigitCount);
-  if (aNumber.mfPoint) {
-    anOutput->Put('.');
-    anOutput->Fill('0', aNumber.mZerosBehindPoint);
-    anOutput->AppendASCII(aNumber.mFraction, aNumber.mFractionCount);
-    anOutput->Fill('0', aNumber.mZerosAfter);
-  }
-  anOutput->AppendASCII(aNumber.mSuffix + sizeof aNumber.mSuffix - aNumber.mSuffixLength,
-                        aNumber.mSuffixLength);
-  anOutput->Fill(' ', aNumber.mBlanksAfter);
 }
 
 template <typename Char>
 static void qvFormat_S_WriteNumber(const qvFormatNumber& aNumber, qvFormatOutput<Char>* anOutput) {
-  Char* theNext = anOutput->Reserve(aNumber.mLength);
-  if (theNext != nullptr) {
-    qvFormatRoomyOutput<Char> theOutput(theNext);
-    qvFormat_S_WriteParts(aNumber, &theOutput);
-    anOutput->Wrote(aNumber.mLength);
-  } else {
-    qvFormat_S_WriteParts(aNumber, anOutput);
+  qvFormat_S_Fill<Char>(' ', aNumber.mBlanksBefore, anOutput);
+  for (uint32 theIndex = 0; theIndex < aNumber.mPrefixLength; ++theIndex) {
+    anOutput->Put(aNumber.mPrefix[theIndex]);
   }
+  qvFormat_S_Fill<Char>('0', aNumber.mZerosBefore, anOutput);
+  anOutput->AppendASCII(aNumber.mDigits, aNumber.mDigitCount);
+  if (aNumber.mfPoint) {
+    anOutput->Put('.');
+    qvFormat_S_Fill<Char>('0', aNumber.mZerosBehindPoint, anOutput);
+    anOutput->AppendASCII(aNumber.mFraction, aNumber.mFractionCount);
+    qvFormat_S_Fill<Char>('0', aNumber.mZerosAfter, anOutput);
+  }
+  if (aNumber.mSuffixLength > 0) {
+    anOutput->AppendASCII(aNumber.mSuffix + sizeof aNumber.mSuffix - aNumber.mSuffixLength,
+                          aNumber.mSuffixLength);
+  }
+  qvFormat_S_Fill<Char>(' ', aNumber.mBlanksAfter, anOutput);
 }
 
 template <typename Char>

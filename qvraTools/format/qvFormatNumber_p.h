@@ -23,7 +23,6 @@ struct qvFormatNumber {
   uint32 mBlanksAfter;
   uint32 mPrefixLength;
   uint32 mSuffixLength;
-  uint32 mLength;  // of everything
   bool mfPoint;
   char mPrefix[4];  // sign and "0x"
   char mSuffix[8];  // an exponent, at the end of the field: up to "p-16445"

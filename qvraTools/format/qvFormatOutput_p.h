@@ -7,6 +7,9 @@
 
 #include "qvOS/qvTypes.h"
 
+// Up to this many characters a loop is quicker than a call.
+#define kqvFormatOutput_ShortRun 16
+
 // memcpy for the short runs that formatted text is made of: without a call, from a few loads and stores that
 // overlap in the middle.
 inline void qvFormat_CopyBlock(char* aTo, const char* aFrom, size_t aLength) {
@@ -69,10 +72,11 @@ class qvFormatOutput {
   // pieces it comes from the processor's store buffer, where larger ones would have to wait.
   void AppendASCII(const char* aText, size_t aLength) {
     size_t theStored = StoredOf(aLength);
-    for (size_t theIndex = 0; theIndex < theStored; ++theIndex) {
-      mNext[theIndex] = static_cast<Char>(aText[theIndex]);
-    }
+    Char* theNext = mNext;  // which the stores below might change, as far as the compiler knows
     Wrote(theStored);
+    for (size_t theIndex = 0; theIndex < theStored; ++theIndex) {
+      theNext[theIndex] = static_cast<Char>(aText[theIndex]);
+    }
   }
 
   // Where to write aLength characters directly, to be followed by Wrote; null when there is not that much
@@ -85,15 +89,17 @@ class qvFormatOutput {
 
   void Fill(Char aChar, size_t aLength) {
     size_t theStored = StoredOf(aLength);
-    if (theStored == 0) {
-      return;
-    }
-    if constexpr (sizeof(Char) == 1) {
-      memset(mNext, aChar, theStored);
-    } else {
-      wmemset(mNext, aChar, theStored);
-    }
+    Char* theNext = mNext;
     Wrote(theStored);
+    if (theStored <= kqvFormatOutput_ShortRun) {
+      for (Char* theEnd = theNext + theStored; theNext < theEnd; ++theNext) {
+        *theNext = aChar;
+      }
+    } else if constexpr (sizeof(Char) == 1) {
+      memset(theNext, aChar, theStored);
+    } else {
+      wmemset(theNext, aChar, theStored);
+    }
   }
 
  private:

@@ -163,6 +163,18 @@ static void qvFormat_S_SetHex(const qvFormatDirective& aDirective, qvFormatBinar
   qvFormat_S_SetExponent(theUpper ? 'P' : 'p', aParts.mExponent, 1, aNumber);
 }
 
+// The sign of everything but a NaN.
+static void qvFormat_S_SetSign(const qvFormatDirective& aDirective, bool afNegative,
+                               qvFormatNumber* aNumber) {
+  if (afNegative) {
+    aNumber->mPrefix[aNumber->mPrefixLength++] = '-';
+  } else if (qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Plus)) {
+    aNumber->mPrefix[aNumber->mPrefixLength++] = '+';
+  } else if (qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Space)) {
+    aNumber->mPrefix[aNumber->mPrefixLength++] = ' ';
+  }
+}
+
 static void qvFormat_S_SetFinite(const qvFormatDirective& aDirective, const qvFormatBinary& aReal,
                                  bool afLong, const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
   if (aDirective.mConversion == 'a' || aDirective.mConversion == 'A') {
@@ -180,48 +192,35 @@ static void qvFormat_S_SetWord(const qvFormatDirective& aDirective, const char* 
   qvFormatNumber_Pad(aDirective, false, aNumber);
 }
 
-// The sign of everything but a NaN.
-static void qvFormat_S_SetSign(const qvFormatDirective& aDirective, bool afNegative,
-                               qvFormatNumber* aNumber) {
-  if (afNegative) {
-    aNumber->mPrefix[aNumber->mPrefixLength++] = '-';
-  } else if (qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Plus)) {
-    aNumber->mPrefix[aNumber->mPrefixLength++] = '+';
-  } else if (qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Space)) {
-    aNumber->mPrefix[aNumber->mPrefixLength++] = ' ';
-  }
-}
-
-// What stands in front of a number, and all of one that is not finite; false when its digits are still to
-// come.
-static bool qvFormat_S_SetSpecial(const qvFormatDirective& aDirective, bool afNaN, bool afInfinite,
-                                  bool afNegative, qvFormatNumber* aNumber) {
-  *aNumber = qvFormatNumber();
+// An infinity, or a NaN, which has no sign.
+static void qvFormat_S_SetSpecial(const qvFormatDirective& aDirective, bool afNaN, bool afNegative,
+                                  qvFormatNumber* aNumber) {
   if (afNaN) {
     qvFormat_S_SetWord(aDirective, "nan", "NAN", aNumber);
-    return true;
+    return;
   }
   qvFormat_S_SetSign(aDirective, afNegative, aNumber);
-  if (afInfinite) {
-    qvFormat_S_SetWord(aDirective, "inf", "INF", aNumber);
-  }
-  return afInfinite;
+  qvFormat_S_SetWord(aDirective, "inf", "INF", aNumber);
 }
 
 void qvFormatNumber_SetDouble(const qvFormatDirective& aDirective, double aValue,
                               const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
-  if (qvFormat_S_SetSpecial(aDirective, std::isnan(aValue), std::isinf(aValue), std::signbit(aValue),
-                            aNumber)) {
-    return;
-  }
   uint64 theBits = 0;
   memcpy(&theBits, &aValue, sizeof theBits);
   uint64 theLeading = static_cast<uint64>(1) << 52;
+  uint64 theFraction = theBits & (theLeading - 1);
   int theExponent = static_cast<int>(theBits >> 52 & 0x7ff);
-  qvFormatBinary theReal = {theBits & (theLeading - 1), -1074};
-  if (theExponent > 0) {
-    theReal = {theReal.mMantissa | theLeading, theExponent - 1075};
+  bool theNegative = theBits >> 63 != 0;
+  *aNumber = qvFormatNumber();
+  if (theExponent == 0x7ff) {
+    qvFormat_S_SetSpecial(aDirective, theFraction != 0, theNegative, aNumber);
+    return;
   }
+  qvFormatBinary theReal = {theFraction, -1074};
+  if (theExponent > 0) {
+    theReal = {theFraction | theLeading, theExponent - 1075};
+  }
+  qvFormat_S_SetSign(aDirective, theNegative, aNumber);
   qvFormat_S_SetFinite(aDirective, theReal, false, aPlace, aNumber);
 }
 
@@ -236,8 +235,9 @@ void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long doub
 
 void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long double aValue,
                                   const qvFormatDigitsPlace& aPlace, qvFormatNumber* aNumber) {
-  if (qvFormat_S_SetSpecial(aDirective, std::isnan(aValue), std::isinf(aValue), std::signbit(aValue),
-                            aNumber)) {
+  *aNumber = qvFormatNumber();
+  if (!std::isfinite(aValue)) {
+    qvFormat_S_SetSpecial(aDirective, std::isnan(aValue), std::signbit(aValue), aNumber);
     return;
   }
   uint64 theMantissa = 0;
@@ -246,6 +246,7 @@ void qvFormatNumber_SetLongDouble(const qvFormatDirective& aDirective, long doub
   memcpy(&theSignAndExponent, reinterpret_cast<const char*>(&aValue) + sizeof theMantissa,
          sizeof theSignAndExponent);
   int theExponent = theSignAndExponent & 0x7fff;
+  qvFormat_S_SetSign(aDirective, std::signbit(aValue), aNumber);
   qvFormat_S_SetFinite(aDirective, {theMantissa, (theExponent == 0 ? 1 : theExponent) - 16383 - 63}, true,
                        aPlace, aNumber);
 }
