@@ -31,6 +31,11 @@ static int qvFormat_S_ReadPosition(const Char*& aNext, int* aPosition) {
   if (!qvFormat_S_IsDigit(*aNext) || *aNext == '0') {
     return 0;
   }
+  if (aNext[1] == '$') {  // as in nearly all formats with positions
+    *aPosition = static_cast<int>(*aNext - '0');
+    aNext += 2;
+    return 0;
+  }
   const Char* theEnd = aNext;
   int theNumber = 0;
   bool theFits = qvFormat_S_ReadNumber(theEnd, &theNumber);
@@ -118,11 +123,6 @@ static qvFormatLength qvFormat_S_ReadLength(const Char*& aNext) {
   }
 }
 
-struct qvFormatConversion {
-  qvFormatClass mClass;
-  uint16 mLengths;  // one bit for each length that goes with it
-};
-
 #define QVFORMAT_LENGTH(aName) (1U << kqvFormatLength_##aName)
 #define QVFORMAT_INTEGER_LENGTHS                                                                    \
   (QVFORMAT_LENGTH(None) | QVFORMAT_LENGTH(Char) | QVFORMAT_LENGTH(Short) | QVFORMAT_LENGTH(Long) | \
@@ -130,37 +130,54 @@ struct qvFormatConversion {
 #define QVFORMAT_REAL_LENGTHS (QVFORMAT_LENGTH(None) | QVFORMAT_LENGTH(Long) | QVFORMAT_LENGTH(LongDouble))
 #define QVFORMAT_TEXT_LENGTHS (QVFORMAT_LENGTH(None) | QVFORMAT_LENGTH(Long))
 
-// What is not here, such as "%hs", C leaves undefined: it is refused rather than guessed at.
-static qvFormatConversion qvFormat_S_ConversionOf(char aConversion) {
-  switch (aConversion) {
-    case 'd':
-    case 'i':
-      return {kqvFormatClass_Signed, QVFORMAT_INTEGER_LENGTHS};
-    case 'u':
-    case 'o':
-    case 'x':
-    case 'X':
-      return {kqvFormatClass_Unsigned, QVFORMAT_INTEGER_LENGTHS};
-    case 'e':
-    case 'E':
-    case 'f':
-    case 'F':
-    case 'g':
-    case 'G':
-    case 'a':
-    case 'A':
-      return {kqvFormatClass_Real, QVFORMAT_REAL_LENGTHS};
-    case 'c':
-      return {kqvFormatClass_Character, QVFORMAT_TEXT_LENGTHS};
-    case 's':
-      return {kqvFormatClass_Text, QVFORMAT_TEXT_LENGTHS};
-    case 'p':
-      return {kqvFormatClass_Pointer, QVFORMAT_LENGTH(None)};
-    case 'n':
-      return {kqvFormatClass_Count, QVFORMAT_INTEGER_LENGTHS};
-    default:
-      return {kqvFormatClass_Invalid, 0};
-  }
+// The lengths that go with each class, a bit for each. What is not here, such as "%hs", C leaves undefined:
+// it is refused rather than guessed at.
+static const uint16 kqvFormat_Lengths[] = {
+    0,                         // invalid
+    QVFORMAT_INTEGER_LENGTHS,  // signed
+    QVFORMAT_INTEGER_LENGTHS,  // unsigned
+    QVFORMAT_REAL_LENGTHS,     // real
+    QVFORMAT_TEXT_LENGTHS,     // character
+    QVFORMAT_TEXT_LENGTHS,     // text
+    QVFORMAT_LENGTH(None),     // pointer
+    QVFORMAT_INTEGER_LENGTHS,  // count
+};
+
+#define QVFORMAT_I kqvFormatClass_Invalid
+#define QVFORMAT_D kqvFormatClass_Signed
+#define QVFORMAT_U kqvFormatClass_Unsigned
+#define QVFORMAT_R kqvFormatClass_Real
+#define QVFORMAT_C kqvFormatClass_Character
+#define QVFORMAT_S kqvFormatClass_Text
+#define QVFORMAT_P kqvFormatClass_Pointer
+#define QVFORMAT_N kqvFormatClass_Count
+
+// The class of each letter.
+static const qvFormatClass kqvFormat_Classes[] = {
+    // clang-format off
+    // A        B           C           D           E           F           G           H
+    QVFORMAT_R, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_R, QVFORMAT_R, QVFORMAT_R, QVFORMAT_I,
+    // I        J           K           L           M           N           O           P
+    QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I,
+    // Q        R           S           T           U           V           W           X
+    QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_U,
+    // Y        Z           between the letters
+    QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I,
+    // a        b           c           d           e           f           g           h
+    QVFORMAT_R, QVFORMAT_I, QVFORMAT_C, QVFORMAT_D, QVFORMAT_R, QVFORMAT_R, QVFORMAT_R, QVFORMAT_I,
+    // i        j           k           l           m           n           o           p
+    QVFORMAT_D, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_I, QVFORMAT_N, QVFORMAT_U, QVFORMAT_P,
+    // q        r           s           t           u           v           w           x
+    QVFORMAT_I, QVFORMAT_I, QVFORMAT_S, QVFORMAT_I, QVFORMAT_U, QVFORMAT_I, QVFORMAT_I, QVFORMAT_U,
+    // y        z
+    QVFORMAT_I, QVFORMAT_I,
+    // clang-format on
+};
+
+// Letters and what stands between their two alphabets.
+template <typename Char>
+static bool qvFormat_S_IsLetter(Char aChar) {
+  return aChar >= 'A' && aChar <= 'z';
 }
 
 // Either everything that a directive takes from the arguments has a position or nothing has.
@@ -168,11 +185,6 @@ static bool qvFormat_S_MixesPositions(const qvFormatDirective& aDirective) {
   bool theNumbered = aDirective.mPosition != 0;
   return (aDirective.mfWidthFromArgument && (aDirective.mWidthPosition != 0) != theNumbered) ||
          (aDirective.mfPrecisionFromArgument && (aDirective.mPrecisionPosition != 0) != theNumbered);
-}
-
-template <typename Char>
-static bool qvFormat_S_IsLetter(Char aChar) {
-  return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z');
 }
 
 // Reads flags, width and precision.
@@ -216,13 +228,15 @@ int qvFormat_ParseDirective(const Char*& aNext, qvFormatDirective* aDirective) {
   if (*theNext == 0) {
     return VEXA_EOF;
   }
-  char theConversion = qvFormat_S_IsLetter(*theNext) ? static_cast<char>(*theNext) : '\0';
-  qvFormatConversion theKnown = qvFormat_S_ConversionOf(theConversion);
-  if ((theKnown.mLengths >> aDirective->mLength & 1) == 0 || qvFormat_S_MixesPositions(*aDirective)) {
+  if (!qvFormat_S_IsLetter(*theNext)) {
     return VEXA_EINVAL;
   }
-  aDirective->mConversion = theConversion;
-  aDirective->mClass = theKnown.mClass;
+  aDirective->mConversion = static_cast<char>(*theNext);
+  aDirective->mClass = kqvFormat_Classes[*theNext - 'A'];
+  if ((kqvFormat_Lengths[aDirective->mClass] >> aDirective->mLength & 1) == 0 ||
+      qvFormat_S_MixesPositions(*aDirective)) {
+    return VEXA_EINVAL;
+  }
   ++aNext;
   return 0;
 }
