@@ -3,7 +3,6 @@
 #include <stdio_ext.h>
 #include <string.h>
 #include <sys/types.h>
-#include <unistd.h>
 
 #include "qvLog/qvLogFork_p.h"
 #include "qvLog/qvLoggerPieces_p.h"
@@ -17,18 +16,17 @@
 #define kqvFileLogger_DefaultLevel  "Off"
 #define kqvFileLogger_DefaultFile   "stderr"
 #define kqvFileLogger_DefaultAppend 0
-#define kqvFileLogger_LineSize      4096 /* bytes; what is longer reaches the system in parts */
+#define kqvFileLogger_LineSize      4096 /* bytes; what is longer reaches the stream in parts */
 
 // fopen then opens files beyond two gibibytes too, on every target.
 static_assert(sizeof(off_t) == 8, "a log file may be a large one");
 
 qvFileLogger* qvFileLogger::sInstance = NULL;
 
-// Between BeginLog and EndLog the pieces of a message are collected here, so that a line costs one call of
-// the stream or of the system. There is one instance at a time.
+// A piece waits here for those that are sure to follow, so that a line is one write to the stream.
 static char sLine[kqvFileLogger_LineSize];
 static size_t sLineLength = 0;
-static bool sfInMessage = false;
+static qvFileLogger* sLineOwner = NULL;  // whose piece waits; null: none does
 
 // The settings are read at construction, so that they appear in a populated file, and again for every
 // opening.
@@ -57,15 +55,19 @@ bool qvFileLogger::IsOK() { return mFile != NULL; }
 
 static bool qvFileLogger_S_IsStandard(FILE* aFile) { return aFile == stderr || aFile == stdout; }
 
-// Leaves nothing collected.
-static size_t qvFileLogger_S_TakeLine() {
+// The length of what waits for aLogger. Leaves nothing waiting for it.
+static size_t qvFileLogger_S_TakeLine(const qvFileLogger* aLogger) {
+  if (sLineOwner != aLogger) {
+    return 0;
+  }
   size_t theLength = sLineLength;
   sLineLength = 0;
+  sLineOwner = NULL;
   return theLength;
 }
 
 void qvFileLogger::CloseFile() {
-  size_t theLength = qvFileLogger_S_TakeLine();
+  size_t theLength = qvFileLogger_S_TakeLine(this);
   if (mFile != NULL) {
     fwrite(sLine, 1, theLength, mFile);
     if (!qvFileLogger_S_IsStandard(mFile)) {
@@ -130,26 +132,15 @@ static void qvFileLogger_S_Write(qvFileLogger* aLogger, const char* aBytes, size
 }
 
 static void qvFileLogger_S_WriteLine(qvFileLogger* aLogger) {
-  size_t theLength = qvFileLogger_S_TakeLine();
+  size_t theLength = qvFileLogger_S_TakeLine(aLogger);
   qvFileLogger_S_Write(aLogger, sLine, theLength);
 }
 
-// Whether the system can be given the line past the stream: the file is the logger's alone, and nothing that
-// comes before the line waits in the stream.
-static bool qvFileLogger_S_IsDirect(FILE* aFile) {
-  return !qvFileLogger_S_IsStandard(aFile) && __fpending(aFile) == 0 && fileno(aFile) >= 0;
-}
-
-static bool qvFileLogger_S_WriteToSystem(FILE* aFile, const char* aBytes, size_t aLength) {
-  while (aLength > 0) {
-    ssize_t theWritten = write(fileno(aFile), aBytes, aLength);
-    if (theWritten < 0) {
-      return false;
-    }
-    aBytes += theWritten;
-    aLength -= static_cast<size_t>(theWritten);
-  }
-  return true;
+// Whether a piece may wait for others: they are sure to come, no other logger's waits, and this logger is no
+// object of a derived class, which may write to the stream itself.
+static bool qvFileLogger_S_MayWait(const qvFileLogger* aLogger) {
+  return qvLoggerMorePieces::Follow() && (sLineOwner == NULL || sLineOwner == aLogger) &&
+         qvLogger_S_IsOwn(aLogger);
 }
 
 bool qvFileLogger::BeginLog(qvLogDataEx* aRecord) {
@@ -160,10 +151,8 @@ bool qvFileLogger::BeginLog(qvLogDataEx* aRecord) {
       return false;
     }
     mLastChar = '\n';
-    sfInMessage = true;
     Append_F(aRecord, "NAME: %s (log started)\n", CurrentProcessName());
   }
-  sfInMessage = true;
   if (mLastChar == '\n') {
     GenerateBeginLine(aRecord);
   }
@@ -175,31 +164,28 @@ void qvFileLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
     return;
   }
   mLastChar = aBytes[aLength - 1];
-  if (aLength > sizeof(sLine) - sLineLength) {
-    qvFileLogger_S_WriteLine(this);
-  }
   if (mFile == NULL) {
     return;
   }
-  if (!sfInMessage || aLength > sizeof(sLine)) {
+  const bool theWaits = qvFileLogger_S_MayWait(this);
+  if (!theWaits && sLineOwner != this) {
+    qvFileLogger_S_Write(this, aBytes, aLength);
+    return;
+  }
+  if (aLength > sizeof(sLine) - sLineLength) {
+    qvFileLogger_S_WriteLine(this);
     qvFileLogger_S_Write(this, aBytes, aLength);
     return;
   }
   memcpy(sLine + sLineLength, aBytes, aLength);
   sLineLength += aLength;
-  // What the application prints on the same stream keeps its place before and behind the text.
-  if (qvFileLogger_S_IsStandard(mFile) && !qvLoggerMorePieces::Follow()) {
+  sLineOwner = this;
+  if (!theWaits) {
     qvFileLogger_S_WriteLine(this);
   }
 }
 
 void qvFileLogger::EndLog(qvLogDataEx*) {
-  sfInMessage = false;
-  if (mFile != NULL && mLastChar == '\n' && qvFileLogger_S_IsDirect(mFile)) {
-    size_t theLength = qvFileLogger_S_TakeLine();
-    qvFileLogger_S_Check(this, qvFileLogger_S_WriteToSystem(mFile, sLine, theLength));
-    return;
-  }
   qvFileLogger_S_WriteLine(this);
   // The line was collected in the stream's buffer: this is where a full disk shows.
   if (mFile != NULL && mLastChar == '\n') {
@@ -220,8 +206,7 @@ void qvFileLogger_S_LeaveParentsLine() {
   if (theLogger == NULL || theLogger->mFile == NULL) {
     return;
   }
-  qvFileLogger_S_TakeLine();
-  sfInMessage = false;
+  qvFileLogger_S_TakeLine(sLineOwner);
   if (theLogger->mFile != stderr && theLogger->mFile != stdout) {
     __fpurge(theLogger->mFile);  // what is buffered is the parent's, which will write it
   }

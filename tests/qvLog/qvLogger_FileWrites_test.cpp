@@ -1,4 +1,4 @@
-// What the file logger gives to the system at once.
+// What the file logger gives to its stream and to the system at once.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -151,4 +151,89 @@ TEST(WritesOfAFile, WhatTheApplicationLeftInTheStreamComesFirst) {
   theLogger.Append_S(&theRecord, "second\n", 7);
   theLogger.EndLog(&theRecord);
   EXPECT_EQ("first second\n", ReadWholeFile(theFolder.File("out.txt")));
+}
+
+TEST(WritesOfAFile, WhatIsPutIntoTheStreamInsideAMessageKeepsItsPlace) {
+  ScratchFolder theFolder;
+  qvLog_Term();
+  qvFileLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "first ", 6);
+  fputs("second ", theLogger.mFile);
+  theLogger.Append_S(&theRecord, "third\n", 6);
+  theLogger.EndLog(&theRecord);
+  EXPECT_EQ("first second third\n", ReadWholeFile(theFolder.File("out.txt")));
+}
+
+TEST(WritesOfAFile, APieceThatCannotBeWrittenClosesTheFileAtOnce) {
+  qvLog_Term();
+  qvFileLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fopen("/dev/null", "r");
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "text", 4);
+  EXPECT_FALSE(theLogger.IsOK());
+}
+
+TEST(WritesOfAFile, ADerivedLoggerMayWriteAroundEachPieceItself) {
+  struct Framing : qvFileLogger {
+    Framing() : qvFileLogger(false) {}
+    void Append_S(qvLogDataEx* aRecord, const char* aBytes, size_t aLength) override {
+      fputc('<', mFile);
+      qvFileLogger::Append_S(aRecord, aBytes, aLength);
+      fputc('>', mFile);
+    }
+  };
+  ScratchFolder theFolder;
+  qvLog_Term();
+  Framing theLogger;
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  theLogger.mLastChar = '\n';
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "text", 4);
+  theLogger.CloseFile();
+  EXPECT_THAT(ReadWholeFile(theFolder.File("out.txt")),
+              MatchesRegex("<E ><[0-9:]{12}><\\|>.*<\\|><DEFAULT><   >< ><text>"));
+}
+
+TEST(WritesOfAFile, ADerivedLoggerMayFlushByItself) {
+  struct Flushing : qvFileLogger {
+    Flushing() : qvFileLogger(false) {}
+    void EndLog(qvLogDataEx*) override { fflush(mFile); }
+  };
+  ScratchFolder theFolder;
+  qvLog_Term();
+  Flushing theLogger;
+  qvLogDataEx theRecord = {};
+  theLogger.mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  EXPECT_TRUE(theLogger.BeginLog(&theRecord));
+  theLogger.Append_S(&theRecord, "text\n", 5);
+  theLogger.EndLog(&theRecord);
+  EXPECT_EQ("text\n", ReadWholeFile(theFolder.File("out.txt")));
+}
+
+TEST(WritesOfAFile, LoggersThatTakeTurnsAsTheInstanceHaveEachTheirOwnLine) {
+  ScratchFolder theFolder;
+  qvLog_Term();
+  qvFileLogger theFirst(false);
+  qvFileLogger::sInstance = nullptr;
+  qvFileLogger theSecond(false);
+  qvLogDataEx theRecord = {};
+  theFirst.mFile = fopen(theFolder.File("1.txt").c_str(), "w");
+  theSecond.mFile = fopen(theFolder.File("2.txt").c_str(), "w");
+  for (qvFileLogger* theLogger : {&theFirst, &theSecond}) {
+    theLogger->mLastChar = '\n';
+    EXPECT_TRUE(theLogger->BeginLog(&theRecord));
+  }
+  for (qvFileLogger* theLogger : {&theFirst, &theSecond}) {
+    theLogger->Append_S(&theRecord, "text\n", 5);
+    theLogger->EndLog(&theRecord);
+  }
+  for (const char* theName : {"1.txt", "2.txt"}) {
+    EXPECT_THAT(ReadWholeFile(theFolder.File(theName)),
+                MatchesRegex("E [0-9:]{12}\\|.*\\|DEFAULT    text\n"));
+  }
 }
