@@ -13,7 +13,8 @@ qvFuncLogger* qvFuncLogger::sInstance = NULL;
 static unsigned int sCallsInProgress = 0;
 static bool sfHasRemovedEntries = false;
 
-// The size of mStr's block. There is one instance at a time.
+// A text's block and its size. The text of any other logger is in a block of unknown size.
+static char* sStrBlock = NULL;
 static size_t sStrCapacity = 0;
 
 // The entries that deleted loggers left behind.
@@ -29,8 +30,10 @@ qvFuncLogger::qvFuncLogger(bool aAddToList)
 
 qvFuncLogger::~qvFuncLogger() {
   sInstance = NULL;
+  if (mStr == sStrBlock) {
+    sStrBlock = NULL;
+  }
   qvFree(mStr);
-  sStrCapacity = 0;
   // KEEP qvFuncLoggerKept.TheEntriesOutliveTheLogger
   // They are not freed: whoever holds one from FindFunc may go on reading it, and walk on to the older ones.
   // The list keeps them in sight.
@@ -117,8 +120,9 @@ bool qvFuncLogger::BeginLog(qvLogDataEx* aRecord) {
 
 void qvFuncLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
   size_t theSize = mStrLen + aLength + 1;
-  if (theSize > sStrCapacity) {
+  if (mStr == NULL || mStr != sStrBlock || theSize > sStrCapacity) {
     mStr = static_cast<char*>(qvRealloc(mStr, theSize));
+    sStrBlock = mStr;
     sStrCapacity = theSize;
   }
   // The byte behind the text comes along as the terminator of what callbacks get.

@@ -245,6 +245,17 @@ TEST_F(qvFuncLoggerTest, ATextOfTheWholeBufferIsTerminatedByTheSpareByte) {
   EXPECT_EQ('\0', theReceived.mLastText[1024]);
 }
 
+TEST_F(qvFuncLoggerTest, LoggersThatTakeTurnsAsTheInstanceHaveEachTheirOwnText) {
+  qvFuncLogger theFirst(false);
+  theFirst.Append_S(nullptr, "a text of some length", 21);
+  qvFuncLogger::sInstance = nullptr;
+  qvFuncLogger theSecond(false);
+  theSecond.Append_S(nullptr, "short", 5);
+  theFirst.Append_S(nullptr, " and more", 9);
+  EXPECT_STREQ("a text of some length and more", theFirst.mStr);
+  EXPECT_STREQ("short", theSecond.mStr);
+}
+
 TEST_F(qvFuncLoggerTest, TheTextsBlockIsKeptFromMessageToMessage) {
   Received theReceived;
   qvLog_SetLogFunc(2, Receive, &theReceived);
