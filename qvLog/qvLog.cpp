@@ -164,6 +164,7 @@ static void qvLog_S_AfterForkInChild() {
 static void qvLog_S_InstallForkHandlers() {
   qvConfigFile_INI_S_WatchForks();
   qvTime_S_WatchForks();
+  qvLogger_S_WatchForks();
   pthread_atfork(qvLog_S_BeforeFork, qvLog_S_AfterForkInParent, qvLog_S_AfterForkInChild);
 }
 

@@ -1,7 +1,11 @@
 // qvLogFork_p.h - what the loggers do when the process forks. The framework calls these with the log lock
-// held.
+// held, but for the first.
 #ifndef QVLOG_QVLOGFORK_P_H
 #define QVLOG_QVLOGFORK_P_H
+
+// Lets the process id be remembered, since from now on a child forgets it. Called without the log lock: the
+// system may let nobody register while a fork waits for that lock.
+void qvLogger_S_WatchForks();
 
 // Before a fork: writes a line that is not complete where the child could not drop its copy.
 void qvFileLogger_S_PrepareFork();

@@ -6,6 +6,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "qvLog/qvLogFork_p.h"
 #include "qvLog/qvLoggerConfig_p.h"
 #include "qvLog/qvLoggerPieces_p.h"
 #include "qvLog/qvMainLogger_p.h"
@@ -24,12 +25,11 @@
 
 // The process id as the system gave it last; 0: ask again. A child of fork starts with 0.
 static uint32 sProcessId = 0;
-static pthread_once_t sProcessIdOnce = PTHREAD_ONCE_INIT;
 static bool sfForgetsProcessIdInChild = false;
 
 static void qvLogger_S_ForgetProcessId() { __atomic_store_n(&sProcessId, 0, __ATOMIC_RELAXED); }
 
-static void qvLogger_S_WatchForks() {
+void qvLogger_S_WatchForks() {
   sfForgetsProcessIdInChild = pthread_atfork(NULL, NULL, qvLogger_S_ForgetProcessId) == 0;
 }
 
@@ -37,7 +37,6 @@ uint32 qvLogger::CurrentProcessId() {
   uint32 theId = __atomic_load_n(&sProcessId, __ATOMIC_RELAXED);
   if (theId == 0) {
     theId = static_cast<uint32>(getpid());
-    pthread_once(&sProcessIdOnce, qvLogger_S_WatchForks);
     if (sfForgetsProcessIdInChild) {
       __atomic_store_n(&sProcessId, theId, __ATOMIC_RELAXED);
     }
