@@ -216,7 +216,11 @@ void qvLogger::LockFramework() {
 // KEEP qvLogKept.AFrameworkOperationInsideALoggersOutputEndsTheProtectionAgainstNestedMessages
 // The mark of a surrounding message is cleared too: what is logged inside the same output afterwards is not
 // recognised as nested.
-void qvLogger::UnlockFramework() { qvLog_S_Leave(); }
+void qvLogger::UnlockFramework() {
+  // The caller may have written to the public fields of a logger, or linked the chain by hand.
+  qvLogRefusals_Forget();
+  qvLog_S_Leave();
+}
 
 bool qvLogger::NeverLog() {
   LockFramework();

@@ -1,8 +1,9 @@
 // qvLogRefusals_p.h - messages that no logger takes, remembered so that the next one needs no lock.
 //
 // Only the library's own loggers are taken at their word: they decide by thresholds and module switches,
-// which stay as they are until they are told otherwise. Whatever changes a threshold, a switch or the chain
-// forgets everything.
+// which stay as they are until they are told otherwise. A new threshold, a reload and every other end of a
+// framework lock forget everything: under that lock the chain changes, and a client may write to the fields
+// of a logger.
 #ifndef QVLOG_QVLOGREFUSALS_P_H
 #define QVLOG_QVLOGREFUSALS_P_H
 

@@ -33,7 +33,6 @@ void qvLogger::AddLogger(qvLogger* aLogger) {
   LockFramework();
   aLogger->mNext = sHead;
   sHead = aLogger;
-  qvLogRefusals_Forget();
   UnlockFramework();
 }
 
@@ -47,7 +46,6 @@ void qvLogger::RemoveLogger(qvLogger* aLogger) {
     *theLink = aLogger->mNext;
     aLogger->mNext = NULL;
   }
-  qvLogRefusals_Forget();
   UnlockFramework();
 }
 

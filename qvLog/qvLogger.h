@@ -122,6 +122,8 @@ class QVLOG_API qvLogger {
   // bits count. Any other text is 0, which is off. A numeric default is written into the file as its word.
   qvLogLevel GetConfigLevel(const qvCString& aDefault);
 
+  // Whoever writes to these holds the framework lock; what was refused before is asked again when it is
+  // released. A threshold above that of all others needs ChangeLevel, which opens the gate too.
   static qvLogger* sHead;  // the first logger of the chain, or null
 
   const char* mName;                      // and the section of the settings

@@ -86,6 +86,35 @@ TEST_F(qvLogRefusals, ALoggerThatEntersTheChainEndsThem) {
   EXPECT_TRUE(LogText(3, kSilentModule, "x\n"));
 }
 
+TEST_F(qvLogRefusals, AThresholdWrittenUnderTheFrameworkLockEndsThem) {
+  FileThreshold(3);
+  RecordingLogger(65535);  // leaves the gate open
+  ASSERT_FALSE(LogText(3, kActiveModule, "x"));
+  qvLogger::LockFramework();
+  qvFileLogger::sInstance->mLevel = 4;
+  qvLogger::UnlockFramework();
+  EXPECT_TRUE(LogText(3, kActiveModule, "x\n"));
+}
+
+TEST_F(qvLogRefusals, AModuleSwitchWrittenUnderTheFrameworkLockEndsThem) {
+  ASSERT_FALSE(LogText(3, kSilentModule, "x"));
+  qvLogger::LockFramework();
+  qvFileLogger::sInstance->mModulesInfo[kSilentModule] = qvLogger::MODULE_SEEN | qvLogger::MODULE_ACTIVE;
+  qvLogger::UnlockFramework();
+  EXPECT_TRUE(LogText(3, kSilentModule, "x\n"));
+}
+
+TEST_F(qvLogRefusals, ALoggerLinkedByHandUnderTheFrameworkLockEndsThem) {
+  RecordingLogger theLogger(65535, false);
+  theLogger.mModulesInfo[kSilentModule] = qvLogger::MODULE_SEEN | qvLogger::MODULE_ACTIVE;
+  ASSERT_FALSE(LogText(3, kSilentModule, "x"));
+  qvLogger::LockFramework();
+  theLogger.mNext = qvLogger::sHead;
+  qvLogger::sHead = &theLogger;
+  qvLogger::UnlockFramework();
+  EXPECT_TRUE(LogText(3, kSilentModule, "x\n"));
+}
+
 TEST_F(qvLogRefusals, ALoggerOfTheApplicationIsAskedEveryTime) {
   RecordingLogger theLogger(65535);
   for (int i = 1; i <= 3; ++i) {
