@@ -2,7 +2,8 @@
  * message.
  *
  * The memory is that of the program's operator new, so the ordinary delete of C++ clients releases it and one
- * that a client has replaced is used. Only a C program without the C++ runtime has none: there it is malloc's. */
+ * that a client has replaced is used. Only a C program without the C++ runtime has none: there it is
+ * malloc's. */
 #ifndef QVRATOOLS_QVNEW_P_H
 #define QVRATOOLS_QVNEW_P_H
 
