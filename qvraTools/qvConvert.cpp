@@ -8,40 +8,57 @@
 #define kqvConvert_MaxBase  36
 #define kqvConvert_NotDigit 255 /* a digit value that no base has */
 
-const char* qvConvert_S_SkipSpace(const char* aStr) {
-  while (qvConvert_isspace(*aStr)) {
-    ++aStr;
-  }
-  return aStr;
-}
-
-int qvConvert_S_Position(const char* aStr, const char* anEndPtr) {
-  return *anEndPtr == '\0' ? kqvConvertError_None : (int)(anEndPtr - aStr);
-}
+// Most numbers are short: calls from layer to layer would cost as much as their digits.
+#ifdef __OPTIMIZE_SIZE__
+#define QVCONVERT_INLINE static
+#else
+#define QVCONVERT_INLINE __attribute__((always_inline)) static inline
+#endif
 
 // The codes are taken as unsigned: every byte above 0x7F gives a value that no base has.
-static uint32 qvConvert_S_DigitValue(char aChar) {
-  const uint32 theCode = (uint8)aChar;
-  if (theCode < '0') {
+static constexpr uint32 qvConvert_S_DigitValue(uint32 aCode) {
+  if (aCode < '0') {
     return kqvConvert_NotDigit;
   }
-  if (theCode <= '9') {
-    return theCode - '0';
+  if (aCode <= '9') {
+    return aCode - '0';
   }
-  if (theCode < 'A') {
+  if (aCode < 'A') {
     return kqvConvert_NotDigit;
   }
-  return theCode <= '`' ? theCode - 'A' + 10 : theCode - 'a' + 10;
+  return aCode <= '`' ? aCode - 'A' + 10 : aCode - 'a' + 10;
+}
+
+namespace {
+
+// The digit values of all bytes. Hexadecimal digits are letters or not as it comes, which no processor
+// foresees.
+struct DigitTable {
+  constexpr DigitTable() {
+    for (uint32 theCode = 0; theCode < 256; ++theCode) {
+      mValues[theCode] = static_cast<uint8>(qvConvert_S_DigitValue(theCode));
+    }
+  }
+
+  uint8 mValues[256] = {};
+};
+
+constexpr DigitTable kDigits;
+
+}  // namespace
+
+static bool qvConvert_S_IsDigitOfBase(char aChar, uint32 aBase) {
+  return kDigits.mValues[(uint8)aChar] < aBase;
 }
 
 // The base in which to read, and in *aDigits the first digit behind a "0x". 0 when aBase is not a base.
-static int qvConvert_S_SelectBase(const char** aDigits, int aBase) {
+static inline int qvConvert_S_SelectBase(const char** aDigits, int aBase) {
   if (aBase != 0 && (aBase < kqvConvert_MinBase || aBase > kqvConvert_MaxBase)) {
     return 0;
   }
   const char* theStr = *aDigits;
   if ((aBase == 0 || aBase == 16) && theStr[0] == '0') {
-    if ((theStr[1] == 'x' || theStr[1] == 'X') && qvConvert_isxdigit(theStr[2])) {
+    if ((theStr[1] == 'x' || theStr[1] == 'X') && qvConvert_S_IsDigitOfBase(theStr[2], 16)) {
       *aDigits += 2;
       return 16;
     }
@@ -50,39 +67,73 @@ static int qvConvert_S_SelectBase(const char** aDigits, int aBase) {
   return aBase == 0 ? 10 : aBase;
 }
 
-// Reads an unsigned number of 64 bits (afUInt64) or 32 bits. A number out of range is read to its last digit,
-// so that *anEndPtr lies behind it. Without a number *anEndPtr is aPtr.
-static uint64 qvConvert_S_strtouint64(const char* aPtr, const char** anEndPtr, int aBase, int* anError,
-                                      int afUInt64) {
-  const uint64 theMax = afUInt64 ? UINT64_MAX : UINT32_MAX;
-  const char* theStr = qvConvert_S_SkipSpace(aPtr);
-  if (*theStr == '+') {
-    ++theStr;
-  }
-  const uint32 theBase = (uint32)qvConvert_S_SelectBase(&theStr, aBase);
+// The largest value that has room for any digit behind it in a word of the machine: bases up to 16 need 4
+// bits a digit, the others 6.
+static size_t qvConvert_S_RoomForDigit(uint32 aBase) { return aBase <= 16 ? SIZE_MAX >> 4 : SIZE_MAX >> 6; }
 
-  // A base of 0 has no digits.
-  const char* theDigits = theStr;
-  uint64 theValue = 0;
-  int theOverflow = 0;
-  for (;; ++theStr) {
-    const uint32 theDigit = qvConvert_S_DigitValue(*theStr);
-    if (theDigit >= theBase) {
+// Reads the digits at aStr up to the first one that a word might have no room for. Returns where it stopped.
+static inline const char* qvConvert_S_ReadWord(const char* aStr, uint32 aBase, size_t* aValue) {
+  const size_t theRoom = qvConvert_S_RoomForDigit(aBase);
+  size_t theValue = 0;
+  while (theValue <= theRoom) {
+    const uint32 theDigit = kDigits.mValues[(uint8)*aStr];
+    if (theDigit >= aBase) {
       break;
     }
-    theOverflow |= __builtin_mul_overflow(theValue, (uint64)theBase, &theValue);
-    theOverflow |= __builtin_add_overflow(theValue, (uint64)theDigit, &theValue);
-    theOverflow |= theValue > theMax;
+    theValue = theValue * aBase + theDigit;
+    ++aStr;
+  }
+  *aValue = theValue;
+  return aStr;
+}
+
+// Appends the digits at aStr to *aValue and returns where they end. *aOverflow says whether they fit.
+static const char* qvConvert_S_ReadRest(const char* aStr, uint32 aBase, uint64* aValue, int* aOverflow) {
+  *aOverflow = 0;
+  for (;; ++aStr) {
+    const uint32 theDigit = kDigits.mValues[(uint8)*aStr];
+    if (theDigit >= aBase) {
+      return aStr;
+    }
+    *aOverflow |= __builtin_mul_overflow(*aValue, (uint64)aBase, aValue);
+    *aOverflow |= __builtin_add_overflow(*aValue, (uint64)theDigit, aValue);
+  }
+}
+
+// Reads the digits at aDigits, behind white space and sign of the number at aPtr. A number above aMax is read
+// to its last digit, so that *anEndPtr lies behind it. Without a number *anEndPtr is aPtr.
+QVCONVERT_INLINE uint64 qvConvert_S_ReadMagnitude(const char* aPtr, const char* aDigits,
+                                                  const char** anEndPtr, int aBase, int* anError,
+                                                  uint64 aMax) {
+  // A base of 0 has no digits.
+  const uint32 theBase = (uint32)qvConvert_S_SelectBase(&aDigits, aBase);
+
+  size_t theWord = 0;
+  int theOverflow = 0;
+  const char* theStr = qvConvert_S_ReadWord(aDigits, theBase, &theWord);
+  uint64 theValue = theWord;
+  if (theWord > qvConvert_S_RoomForDigit(theBase)) {
+    theStr = qvConvert_S_ReadRest(theStr, theBase, &theValue, &theOverflow);
   }
 
-  if (theStr == theDigits) {
+  if (theStr == aDigits) {
     *anEndPtr = aPtr;
     *anError = kqvConvertError_Invalid;
     return 0;
   }
   *anEndPtr = theStr;
+  theOverflow |= theValue > aMax;
   *anError = theOverflow ? kqvConvertError_RangeHigh : kqvConvertError_None;
-  return theOverflow ? theMax : theValue;
+  return theOverflow ? aMax : theValue;
+}
+
+// Reads an unsigned number of 64 bits (afUInt64) or 32 bits.
+QVCONVERT_INLINE uint64 qvConvert_S_strtouint64(const char* aPtr, const char** anEndPtr, int aBase,
+                                                int* anError, int afUInt64) {
+  const char* theStr = qvConvert_S_SkipSpace(aPtr);
+  theStr += *theStr == '+';
+  return qvConvert_S_ReadMagnitude(aPtr, theStr, anEndPtr, aBase, anError,
+                                   afUInt64 ? UINT64_MAX : UINT32_MAX);
 }
 
 // Fits a magnitude into the signed range that ends at aMax.
@@ -102,17 +153,16 @@ static int64 qvConvert_S_ApplySign(uint64 aMagnitude, int afNegative, int64 aMax
 }
 
 // Reads a signed number of 64 bits (afInt64) or 32 bits.
-static int64 qvConvert_S_strtoint64(const char* aPtr, const char** anEndPtr, int aBase, int* anError,
-                                    int afInt64) {
+QVCONVERT_INLINE int64 qvConvert_S_strtoint64(const char* aPtr, const char** anEndPtr, int aBase,
+                                              int* anError, int afInt64) {
   const int64 theMax = afInt64 ? INT64_MAX : INT32_MAX;
   const char* theStr = qvConvert_S_SkipSpace(aPtr);
-  const int theNegative = *theStr == '-' && qvConvert_isalnum(theStr[1]);
-  if (theNegative) {
-    ++theStr;
-  }
-  const uint64 theMagnitude = qvConvert_S_strtouint64(theStr, anEndPtr, aBase, anError, 1);
+  // One sign, right before the digits. Without a branch, as no processor foresees the signs of numbers
+  // either.
+  const int theNegative = *theStr == '-';
+  theStr += theNegative | (*theStr == '+');
+  const uint64 theMagnitude = qvConvert_S_ReadMagnitude(aPtr, theStr, anEndPtr, aBase, anError, UINT64_MAX);
   if (*anError == kqvConvertError_Invalid) {
-    *anEndPtr = aPtr;
     return 0;
   }
   if (*anError == kqvConvertError_RangeHigh) {
@@ -180,7 +230,7 @@ int qvConvert_strtoint16(const char* aStr, int16* anInt16) {
 }
 
 int qvConvert_strtoint32(const char* aStr, int32* anInt32) {
-  return qvConvert_strtoint32_base(aStr, anInt32, 10);
+  return qvConvert_S_ParseSigned(aStr, anInt32, 10);
 }
 
 int qvConvert_strtoint32_base(const char* aStr, int32* anInt32, int aBase) {
@@ -188,7 +238,7 @@ int qvConvert_strtoint32_base(const char* aStr, int32* anInt32, int aBase) {
 }
 
 int qvConvert_strtoint64(const char* aStr, qvint64_t* anInt64) {
-  return qvConvert_strtoint64_base(aStr, anInt64, 10);
+  return qvConvert_S_ParseSigned(aStr, anInt64, 10);
 }
 
 int qvConvert_strtoint64_base(const char* aStr, qvint64_t* anInt64, int aBase) {
@@ -204,7 +254,7 @@ int qvConvert_strtouint16(const char* aStr, uint16* anUInt16) {
 }
 
 int qvConvert_strtouint32(const char* aStr, uint32* anUInt32) {
-  return qvConvert_strtouint32_base(aStr, anUInt32, 10);
+  return qvConvert_S_ParseUnsigned(aStr, anUInt32, 10);
 }
 
 int qvConvert_strtouint32_base(const char* aStr, uint32* anUInt32, int aBase) {
@@ -212,7 +262,7 @@ int qvConvert_strtouint32_base(const char* aStr, uint32* anUInt32, int aBase) {
 }
 
 int qvConvert_strtouint64(const char* aStr, qvuint64_t* anUInt64) {
-  return qvConvert_strtouint64_base(aStr, anUInt64, 10);
+  return qvConvert_S_ParseUnsigned(aStr, anUInt64, 10);
 }
 
 int qvConvert_strtouint64_base(const char* aStr, qvuint64_t* anUInt64, int aBase) {
@@ -220,7 +270,7 @@ int qvConvert_strtouint64_base(const char* aStr, qvuint64_t* anUInt64, int aBase
 }
 
 int qvConvert_hexstrtouint32(const char* aStr, uint32* anUInt32) {
-  return qvConvert_strtouint32_base(aStr, anUInt32, 16);
+  return qvConvert_S_ParseUnsigned(aStr, anUInt32, 16);
 }
 
 // Moves *aStr behind a "0x" that is to be skipped. Returns the base of what follows, or 0 for "0x" alone.

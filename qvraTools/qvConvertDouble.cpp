@@ -10,11 +10,21 @@
 #define kqvConvert_MaxExponent    1024      /* of ten; above it a number is too large */
 #define kqvConvert_ExponentCutoff 100000000 /* exponents count no further, so that no int overflows */
 
+// With one more digit it is still below 2^53, up to where a double has all whole numbers.
+#define kqvConvert_MaxExact INT64_C(900719925474098)
+
 // A number while it is read: mValue * 10^mExponent.
 struct qvConvert_Decimal {
   double mValue;
   int mExponent;
   int mfNegative;
+};
+
+// The digits of a number while they are read. The first ones are added up as a whole number, which is exactly
+// what a double would come to; mRounded is 0 as long as there are no others.
+struct qvConvert_Mantissa {
+  int64 mWhole;
+  double mRounded;
 };
 
 static int qvConvert_S_ReadSign(const char** aStr) {
@@ -25,15 +35,35 @@ static int qvConvert_S_ReadSign(const char** aStr) {
   return theNegative;
 }
 
-// Appends the digits at *aStr to *aValue and returns how many there are.
-static size_t qvConvert_S_ReadMantissaDigits(const char** aStr, double* aValue) {
-  const char* theStart = *aStr;
-  for (; qvConvert_isnum(**aStr); ++*aStr) {
+static bool qvConvert_S_IsDigit(char aChar) { return aChar >= '0' && aChar <= '9'; }
+
+// Appends the digits at aStr, each of which is rounded, and returns where they end.
+static const char* qvConvert_S_ReadRoundedDigits(const char* aStr, double* aValue) {
+  for (; qvConvert_S_IsDigit(*aStr); ++aStr) {
     // The product is rounded by itself on every machine: a fused multiply-add would change last bits.
     volatile double theProduct = *aValue * 10.0;
-    *aValue = theProduct + (**aStr - '0');
+    *aValue = theProduct + (*aStr - '0');
   }
-  return (size_t)(*aStr - theStart);
+  return aStr;
+}
+
+// Appends the digits at *aStr to the mantissa and returns how many there are.
+static inline size_t qvConvert_S_ReadMantissaDigits(const char** aStr, qvConvert_Mantissa* aMantissa) {
+  const char* theStr = *aStr;
+  int64 theWhole = aMantissa->mWhole;
+  for (; qvConvert_S_IsDigit(*theStr) && theWhole <= kqvConvert_MaxExact; ++theStr) {
+    theWhole = theWhole * 10 + (*theStr - '0');
+  }
+  aMantissa->mWhole = theWhole;
+  if (qvConvert_S_IsDigit(*theStr)) {
+    if (aMantissa->mRounded == 0.0) {
+      aMantissa->mRounded = (double)theWhole;
+    }
+    theStr = qvConvert_S_ReadRoundedDigits(theStr, &aMantissa->mRounded);
+  }
+  const size_t theDigits = (size_t)(theStr - *aStr);
+  *aStr = theStr;
+  return theDigits;
 }
 
 // The exponent behind an 'e'; 0 when there is none. The 'e' counts as read even without digits.
@@ -44,7 +74,7 @@ static int qvConvert_S_ReadExponent(const char** aStr) {
   ++*aStr;
   const int theNegative = qvConvert_S_ReadSign(aStr);
   int theExponent = 0;
-  for (; qvConvert_isnum(**aStr); ++*aStr) {
+  for (; qvConvert_S_IsDigit(**aStr); ++*aStr) {
     if (theExponent < kqvConvert_ExponentCutoff) {
       theExponent = theExponent * 10 + (**aStr - '0');
     }
@@ -55,12 +85,12 @@ static int qvConvert_S_ReadExponent(const char** aStr) {
 // Reads sign, digits, fraction and exponent; 0 when there is no digit.
 static int qvConvert_S_ReadDecimal(const char** aStr, qvConvert_Decimal* aDecimal) {
   aDecimal->mfNegative = qvConvert_S_ReadSign(aStr);
-  aDecimal->mValue = 0.0;
-  size_t theDigits = qvConvert_S_ReadMantissaDigits(aStr, &aDecimal->mValue);
+  qvConvert_Mantissa theMantissa = {0, 0.0};
+  size_t theDigits = qvConvert_S_ReadMantissaDigits(aStr, &theMantissa);
   size_t theFractionDigits = 0;
   if (**aStr == '.') {
     ++*aStr;
-    theFractionDigits = qvConvert_S_ReadMantissaDigits(aStr, &aDecimal->mValue);
+    theFractionDigits = qvConvert_S_ReadMantissaDigits(aStr, &theMantissa);
     theDigits += theFractionDigits;
   }
   if (theDigits == 0) {
@@ -69,23 +99,41 @@ static int qvConvert_S_ReadDecimal(const char** aStr, qvConvert_Decimal* aDecima
   if (theFractionDigits > kqvConvert_ExponentCutoff) {
     theFractionDigits = kqvConvert_ExponentCutoff;
   }
+  aDecimal->mValue = theMantissa.mRounded != 0.0 ? theMantissa.mRounded : (double)theMantissa.mWhole;
   aDecimal->mExponent = qvConvert_S_ReadExponent(aStr) - (int)theFractionDigits;
   return 1;
 }
 
-// aValue * 10^anExponent. The powers whose exponents are powers of two are applied one after the other. From
-// 10^512 on they are infinite: zero stays zero under them, and what is infinite already stays infinite.
+namespace {
+
+// 10 to the powers of two, each the square of the one before. From 10^512 on they are infinite: zero stays
+// zero under them, and what is infinite already stays infinite.
+struct PowerTable {
+  constexpr PowerTable() {
+    double thePower = 10.0;
+    for (int i = 0; i < 9; ++i) {
+      mPowers[i] = thePower;
+      thePower = i < 8 ? thePower * thePower : thePower;
+    }
+  }
+
+  double mPowers[11] = {0, 0, 0, 0, 0, 0, 0, 0, 0, HUGE_VAL, HUGE_VAL};
+};
+
+constexpr PowerTable kPowers;
+
+}  // namespace
+
+// aValue * 10^anExponent. The powers whose exponents are powers of two are applied one after the other, the
+// smallest first.
 static double qvConvert_S_Scale(double aValue, int anExponent) {
   if (aValue == 0.0 || isinf(aValue)) {
     return aValue;
   }
-  double thePower = 10.0;
-  for (unsigned theBits = (unsigned)(anExponent < 0 ? -anExponent : anExponent); theBits != 0;
-       theBits >>= 1) {
-    if (theBits & 1) {
-      aValue = anExponent < 0 ? aValue / thePower : aValue * thePower;
-    }
-    thePower *= thePower;
+  unsigned theBits = (unsigned)(anExponent < 0 ? -anExponent : anExponent);
+  for (; theBits != 0; theBits &= theBits - 1) {
+    const double thePower = kPowers.mPowers[__builtin_ctz(theBits)];
+    aValue = anExponent < 0 ? aValue / thePower : aValue * thePower;
   }
   return aValue;
 }

@@ -161,6 +161,32 @@ TEST(qvConvertDouble, ExactValuesAreExact) {
   EXPECT_EQ(123456789012.0, Parse("123456789012"));
 }
 
+TEST(qvConvertDouble, EveryDigitIsRoundedByItself) {
+  // Around 2^53, up to where whole numbers are exact, and around the last number that has room for a digit.
+  const uint64_t kLimits[] = {9007199254740992, 900719925474098, 90071992547409920};
+  const std::string kMore[] = {"", "9", "37", "987654321", ".5", ".123456789"};
+  for (uint64_t theLimit : kLimits) {
+    for (uint64_t theDistance = 0; theDistance <= 80; ++theDistance) {
+      for (const std::string& theMore : kMore) {
+        const std::string theText = std::to_string(theLimit + 40 - theDistance) + theMore;
+        const bool theFractionFlag = theMore[0] == '.';
+        volatile double theExpected = 0.0;
+        for (char theChar : theText) {
+          if (theChar != '.') {
+            theExpected = theExpected * 10.0;
+            theExpected = theExpected + (theChar - '0');
+          }
+        }
+        EXPECT_EQ(theExpected,
+                  Parse(theText + (theFractionFlag ? "e" + std::to_string(theMore.size() - 1) : "")))
+            << theText;
+      }
+    }
+  }
+  EXPECT_EQ(9007199254740992.0, Parse("9007199254740993")) << "a tie goes to the even neighbour";
+  EXPECT_EQ(9007199254740996.0, Parse("9007199254740995")) << "so does this one";
+}
+
 TEST(qvConvertDouble, EachPowerOfTenIsAppliedAndRoundedByItself) {
   EXPECT_EQ(0x1.f7ced916872b1p-4, Parse("0.123")) << "123 / 10 / 100; rounded once it would end in b0";
   EXPECT_EQ(0x1.921f9f01b866fp+1, Parse("3.14159")) << "314159 / 10 / 10000; rounded once it would end in 6e";

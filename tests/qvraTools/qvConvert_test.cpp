@@ -347,6 +347,37 @@ TEST(qvConvert, ANullTextIsInvalidInEveryBase) {
   Expect(qvConvert_strtouint64_base, BaseCase<qvuint64_t>{nullptr, 16, 0, kInvalid, "null"});
 }
 
+// The text of aValue in a base.
+static std::string InBase(uint64_t aValue, int aBase) {
+  std::string theText;
+  do {
+    theText.insert(theText.begin(), "0123456789abcdefghijklmnopqrstuvwxyz"[aValue % (uint64_t)aBase]);
+    aValue /= (uint64_t)aBase;
+  } while (aValue != 0);
+  return theText;
+}
+
+TEST(qvConvert, NumbersOfEveryBaseAreReadWhereAWordOfTheMachineIsFull) {
+  const uint64_t kLimits[] = {1ull << 26, 1ull << 28, 1ull << 32, 1ull << 58, 1ull << 60, 0};
+  for (int theBase = 2; theBase <= 36; ++theBase) {
+    for (uint64_t theLimit : kLimits) {
+      for (uint64_t theDistance = 1; theDistance <= 80; ++theDistance) {
+        const uint64_t theNumber = theLimit + 40 - theDistance;  // 0 has its neighbours at both ends
+        const std::string theText = InBase(theNumber, theBase);
+        qvuint64_t theValue = 0;
+        EXPECT_EQ(kNone, qvConvert_strtouint64_base(theText.c_str(), &theValue, theBase)) << theText;
+        EXPECT_EQ(theNumber, theValue) << theText;
+
+        const uint64_t theRoom = (UINT64_MAX - 1) / (uint64_t)theBase;
+        const int theExpected = theNumber > theRoom ? kHigh : kNone;
+        EXPECT_EQ(theExpected, qvConvert_strtouint64_base((theText + "1").c_str(), &theValue, theBase))
+            << theText;
+        EXPECT_EQ(theExpected == kHigh ? UINT64_MAX : theNumber * (uint64_t)theBase + 1, theValue) << theText;
+      }
+    }
+  }
+}
+
 TEST(qvConvert, AVeryLongNumberIsReadToItsEnd) {
   const std::string theNines(100000, '9');
   qvuint64_t theValue = 1;
