@@ -72,7 +72,7 @@ static inline int qvConvert_S_SelectBase(const char** aDigits, int aBase) {
 static size_t qvConvert_S_RoomForDigit(uint32 aBase) { return aBase <= 16 ? SIZE_MAX >> 4 : SIZE_MAX >> 6; }
 
 // Reads the digits at aStr up to the first one that a word might have no room for. Returns where it stopped.
-static inline const char* qvConvert_S_ReadWord(const char* aStr, uint32 aBase, size_t* aValue) {
+QVCONVERT_INLINE const char* qvConvert_S_ReadWord(const char* aStr, uint32 aBase, size_t* aValue) {
   const size_t theRoom = qvConvert_S_RoomForDigit(aBase);
   size_t theValue = 0;
   while (theValue <= theRoom) {
@@ -110,7 +110,10 @@ QVCONVERT_INLINE uint64 qvConvert_S_ReadMagnitude(const char* aPtr, const char* 
 
   size_t theWord = 0;
   int theOverflow = 0;
-  const char* theStr = qvConvert_S_ReadWord(aDigits, theBase, &theWord);
+  // A base that the compiler knows needs no multiplication.
+  const char* theStr = theBase == 10   ? qvConvert_S_ReadWord(aDigits, 10, &theWord)
+                       : theBase == 16 ? qvConvert_S_ReadWord(aDigits, 16, &theWord)
+                                       : qvConvert_S_ReadWord(aDigits, theBase, &theWord);
   uint64 theValue = theWord;
   if (theWord > qvConvert_S_RoomForDigit(theBase)) {
     theStr = qvConvert_S_ReadRest(theStr, theBase, &theValue, &theOverflow);
