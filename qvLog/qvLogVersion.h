@@ -33,7 +33,8 @@ QV_BEGIN_DECLS
 /* QVLOG_VERSION_NUMBER of the library that the program runs with. */
 QVLOG_API uint32 qvLogVersion_GetNumber(void);
 
-/* QVLOG_VERSION_TEXT of the library that the program runs with. Never null; not to be freed. */
+/* QVLOG_VERSION_TEXT of the library that the program runs with. Never null; not to be freed. Any thread may
+ * call both. */
 QVLOG_API const char* qvLogVersion_GetText(void);
 
 QV_END_DECLS
