@@ -27,7 +27,7 @@ constexpr int kNoModule = -1;
 #undef QVLOG_DECMOD
 #define QVLOG_DECMOD(code, name, value) \
   case code:                            \
-    return 2 * static_cast<int>(offsetof(ModuleNames, m##name)) + value;
+    return 2 * static_cast<int>(offsetof(ModuleNames, m##name)) + (value);
 static int qvLogger_S_FindModule(qvLogModule aModule) {
   switch (aModule) {
     QVLOG_MODULE_TABLE

@@ -6,7 +6,8 @@
 
 #include <new>
 
-// Null in a C program.
+// Null in a C program: the header's declaration is not weak.
+// NOLINTNEXTLINE(misc-new-delete-overloads,readability-redundant-declaration)
 void operator delete(void* aPtr) noexcept __attribute__((weak));
 
 // What the destructors of the library's classes call: the counterpart of operator new in qvraTools/qvNew.cpp.
