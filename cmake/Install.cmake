@@ -15,7 +15,7 @@ foreach(theRoom qvLog qv qvraTools qvOS)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/${theRoom} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE
     # Sources of the layers live in folders of their own; none of them holds a public header.
-    PATTERN "posix" EXCLUDE PATTERN "multiplatform" EXCLUDE PATTERN "generic" EXCLUDE)
+    PATTERN "posix" EXCLUDE PATTERN "multiplatform" EXCLUDE PATTERN "generic" EXCLUDE PATTERN "cxxruntime" EXCLUDE)
 endforeach()
 
 install(EXPORT qvLogTargets NAMESPACE qvLog:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qvLog)
