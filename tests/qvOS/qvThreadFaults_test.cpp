@@ -11,6 +11,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <string>
 
 #include "qvOS/qvThread.h"
@@ -41,6 +42,11 @@ struct FakeSystem {
   struct timespec mSleep = {};
 };
 FakeSystem gSystem;
+
+// How many of the next waits at a gate a signal interrupts, and how many waits there have been. The waiting
+// threads count.
+std::atomic<int> gInterruptedWaits{0};
+std::atomic<int> gWaits{0};
 
 template <typename Function>
 Function* TheSystems(Function* /*aStandIn*/, const char* aName) {
@@ -98,6 +104,14 @@ extern "C" int sem_post(sem_t* aSemaphore) noexcept {
     return -1;
   }
   return TheSystems(sem_post, "sem_post")(aSemaphore);
+}
+
+extern "C" int sem_wait(sem_t* aSemaphore) {
+  if (++gWaits <= gInterruptedWaits) {
+    errno = EINTR;
+    return -1;
+  }
+  return TheSystems(sem_wait, "sem_wait")(aSemaphore);
 }
 
 extern "C" int pthread_join(pthread_t aThread, void** aResult) {
@@ -248,6 +262,23 @@ TEST_F(qvThreadFaults, RunWithAGateThatDoesNotOpenIsAnErrorAndMayBeTriedAgain) {
   EXPECT_EQ(0, qvThread_Run(theThread));
   EXPECT_EQ(0, qvThread_Wait(theThread));
   EXPECT_EQ(1, theCalls);
+  qvThread_Delete(theThread);
+}
+
+TEST_F(qvThreadFaults, ASignalDoesNotLetASuspendedThreadRun) {
+  int theCalls = 0;
+  gWaits = 0;
+  gInterruptedWaits = 2;
+  qvOSThread_Data theData = Description(Count, &theCalls, qvThread_Kind_Joinable);
+  qvOSThread* theThread = qvThread_New(&theData);
+  ASSERT_NE(nullptr, theThread);
+  const time_t theLimit = time(nullptr) + 60;
+  while (gWaits < 3 && time(nullptr) < theLimit) {
+    sched_yield();
+  }
+  EXPECT_EQ(3, gWaits.load()) << "it went through a closed gate";
+  EXPECT_EQ(0, qvThread_Wait(theThread));
+  EXPECT_EQ(0, theCalls);
   qvThread_Delete(theThread);
 }
 
