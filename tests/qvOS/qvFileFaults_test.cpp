@@ -24,6 +24,7 @@ constexpr ssize_t kPassOn = -1000;
 int sFD = -1;
 std::vector<ssize_t> sAnswers;
 size_t sNextAnswer = 0;
+size_t sLastCount = 0;  // of bytes that the last call asked to transfer
 int sOpenErrno = 0;
 int sOpenCount = 0;
 
@@ -67,6 +68,7 @@ class qvFileFaults : public testing::Test {
 extern "C" ssize_t read(int aFD, void* aBuffer, size_t aCount) {
   size_t theCount = aCount;
   if (HasAnswer(aFD)) {
+    sLastCount = aCount;
     ssize_t theAnswer = NextAnswer();
     if (theAnswer == 0 || theAnswer == -1 || theAnswer > static_cast<ssize_t>(aCount)) {
       return theAnswer;
@@ -79,6 +81,7 @@ extern "C" ssize_t read(int aFD, void* aBuffer, size_t aCount) {
 extern "C" ssize_t write(int aFD, const void* aBuffer, size_t aCount) {
   size_t theCount = aCount;
   if (HasAnswer(aFD)) {
+    sLastCount = aCount;
     ssize_t theAnswer = NextAnswer();
     if (theAnswer == 0 || theAnswer == -1 || theAnswer > static_cast<ssize_t>(aCount)) {
       return theAnswer;
@@ -183,6 +186,19 @@ TEST_F(qvFileFaults, AWriteThatFailsHalfwayLosesItsCount) {
 TEST_F(qvFileFaults, AWriteOfMoreThanWasGivenFailsAnAssertion) {
   Answer(mFD, {7});
   EXPECT_QV_ASSERTION(qvFile_Write(mFD, "abcdef", 6), "theWriteCount <= theTotalCount", "qvFile");
+}
+
+// The system of a 32-bit device refuses 2 GiB and more.
+TEST_F(qvFileFaults, ATransferOfMoreThanAGiBIsDoneInParts) {
+  Answer(mFD, {0});
+  EXPECT_EQ(0, qvFile_Read(mFD, mBuffer, 0xFFFFFFFF));
+  EXPECT_EQ(0x40000000u, sLastCount);
+  Answer(mFD, {0});
+  EXPECT_EQ(0, qvFile_Write(mFD, mBuffer, 0x80000000));
+  EXPECT_EQ(0x40000000u, sLastCount);
+  Answer(mFD, {0});
+  EXPECT_EQ(0, qvFile_Read(mFD, mBuffer, 0x3FFFFFFF));
+  EXPECT_EQ(0x3FFFFFFFu, sLastCount);
 }
 
 TEST_F(qvFileFaults, AnInterruptedCloseIsTriedAgain) {
