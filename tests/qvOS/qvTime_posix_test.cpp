@@ -91,8 +91,10 @@ TEST(qvTimeOfSystem, DaylightSavingInForceGivesSixty) {
 TEST(qvTimeOfSystem, AZoneWithoutDaylightSavingGivesZero) { EXPECT_EQ(0, DaylightSavingIn("AAA-1")); }
 
 TEST(qvTimeOfSystem, TheOffsetOfAZoneWithDaylightSavingIsThatOfStandardTimeAllYear) {
+  // On every day of the year daylight saving time is in force in one of them.
   EXPECT_EQ(60, MinutesIn(kCentralEurope));
   EXPECT_EQ(-300, MinutesIn("EST5EDT,M3.2.0,M11.1.0"));
+  EXPECT_EQ(600, MinutesIn("AEST-10AEDT,M10.1.0,M4.1.0/3"));
 }
 
 TEST(qvTimeOfSystem, TimeZoneFollowsAChangeOfTheEnvironment) {
