@@ -15,6 +15,7 @@
 #include "qvOS/qvDebug_p.h"
 #include "support/ChildProcess.h"
 #include "support/FakeBackTrace.h"
+#include "support/FreeDescriptor.h"
 #include "support/LogEcho.h"
 #include "support/ScratchFolder.h"
 
@@ -267,6 +268,16 @@ TEST_F(qvDebug, ALinkToNowhereMakesNoFileThere) {
     qvDebug_BackTraceCurrent(1);
   });
   EXPECT_FALSE(FileExists(theFolder.File("new")));
+}
+
+TEST_F(qvDebug, NothingStaysOpen) {
+  gBackTrace.mSymbols.resize(5);  // with a stack dump
+  TraceOf([] {
+    qvDebug_BackTraceCurrent(0);
+    int theDescriptor = LowestFreeDescriptor();
+    qvDebug_BackTraceCurrent(0);
+    EXPECT_EQ(theDescriptor, LowestFreeDescriptor());
+  });
 }
 
 TEST_F(qvDebug, AFileThatCannotBeMadeOnlyDropsTheFileOutput) {
