@@ -1,10 +1,13 @@
 // What a log daemon receives, byte by byte. Messages that are lost: qvLogger_qvLogdLosses_test.cpp.
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/syscall.h>
 
 #include <algorithm>
+#include <atomic>
 
 #include "support/LogDaemonTest.h"
 #include "support/LogProgram.h"
@@ -21,7 +24,27 @@ using testing::MatchesRegex;
 using qvLogdLoggerStream = LogDaemonTest;
 using qvLogdLoggerKept = LogDaemonTest;
 
+// Threads that this program has started.
+std::atomic<int> gThreads{0};
+
+void IgnoreMessage(void*, const qvLogData*, const char*, size_t) {}
+
 }  // namespace
+
+// Stands before the system's function, to count.
+extern "C" int pthread_create(pthread_t* aThread, const pthread_attr_t* anAttributes, void* (*aFunc)(void*),
+                              void* anArgument) noexcept {
+  ++gThreads;
+  auto theSystems = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  return theSystems(aThread, anAttributes, aFunc, anArgument);
+}
+
+TEST_F(qvLogdLoggerStream, AMessageToEveryLoggerStartsNoThread) {
+  qvLog_SetLogFunc(5, IgnoreMessage, nullptr);
+  EXPECT_TRUE(LogText(1, 0, "a message\n"));
+  mPeer.ReadUntil("a message\n");
+  EXPECT_EQ(0, gThreads.load());
+}
 
 TEST_F(qvLogdLoggerStream, AConnectionStartsWithTheHeaderAndThenTheMessageThatMadeIt) {
   EXPECT_TRUE(LogText(1, 0, "the first message\n"));
