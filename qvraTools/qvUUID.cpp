@@ -4,9 +4,9 @@
 
 #include "qvOS/qvMACAddress.h"
 #include "qvOS/qvThread.h"
-#include "qvOS/qvTime.h"
 #include "qvraTools/qvLongLong.h"
 #include "qvraTools/qvRand.h"
+#include "qvraTools/qvTime.h"
 #include "qvraTools/qvUUID_p.h"
 
 #define kqvUUID_TextSize 37 /* bytes, with the terminator */
@@ -22,10 +22,6 @@ void qvUUID_GetRandomBytes(uint8* aBuffer, uint32 aLength) {
   }
 }
 
-static bool qvUUID_S_IsEarlier(const qvtimeval* aX, const qvtimeval* aY) {
-  return aX->tv_sec != aY->tv_sec ? aX->tv_sec < aY->tv_sec : aX->tv_usec < aY->tv_usec;
-}
-
 int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
   if (aClock->mLast.tv_sec == 0 && aClock->mLast.tv_usec == 0) {
     qvUUID_GetRandomBytes(reinterpret_cast<uint8*>(&aClock->mSequence), sizeof(aClock->mSequence));
@@ -33,10 +29,10 @@ int qvUUID_S_AdvanceClock(qvUUID_Clock* aClock, const qvtimeval* aNow) {
     aClock->mLast = *aNow;
     aClock->mLast.tv_sec = static_cast<int32>(static_cast<uint32>(aNow->tv_sec) - 1);
   }
-  if (qvUUID_S_IsEarlier(aNow, &aClock->mLast)) {
+  if (qvTimeVal_Less(aNow, &aClock->mLast)) {
     // The clock was set back: another sequence keeps the UUIDs apart from those of the time before.
     aClock->mSequence = static_cast<uint16>((aClock->mSequence + 1) & kqvUUID_ClockSequenceMask);
-  } else if (!qvUUID_S_IsEarlier(&aClock->mLast, aNow)) {
+  } else if (!qvTimeVal_Less(&aClock->mLast, aNow)) {
     if (aClock->mAdjustment >= kqvUUID_MaxAdjustment) {
       return 0;
     }
