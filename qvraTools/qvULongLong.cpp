@@ -79,6 +79,7 @@ int qvULongLong_Mult(qvULongLong* aULongLong, const qvULongLong* aMultiplier) {
   return theOverflow;
 }
 
+// KEEP qvLongLongKept.DividingByZeroFaults
 // Performs the division by zero that was asked for, so that the process gets the platform's fault. 64 bits,
 // because on the 32-bit target that division calls the run-time library, which raises the fault, while a
 // processor that divides 32 bits itself may quietly give 0.

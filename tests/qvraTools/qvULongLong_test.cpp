@@ -215,21 +215,6 @@ TEST(qvULongLong, ModUInt32TakesAWord) {
   EXPECT_EQ(3u, Native(theValue));
 }
 
-TEST(qvULongLong, DividingByZeroFaults) {
-  ExpectDivisionFault([] {
-    qvULongLong theValue = ULongLong(7);
-    qvULongLong_Div(&theValue, qvULongLong_0);
-  });
-  ExpectDivisionFault([] {
-    qvULongLong theValue = ULongLong(0);
-    qvULongLong_Mod(&theValue, qvULongLong_0);
-  });
-  ExpectDivisionFault([] {
-    qvULongLong theValue = *qvULongLong_Max;
-    qvULongLong_ModUInt32(&theValue, 0);
-  });
-}
-
 TEST(qvULongLong, ShiftLeftBelow32ReportsTheBitsOfTheHighWordThatLeave) {
   const ShiftCase kCases[] = {
       {kMax, 0, kMax, 0, "by nothing"},
@@ -399,6 +384,21 @@ TEST(qvULongLong, TextAndNumberAgreeBothWays) {
     EXPECT_EQ(1, qvULongLong_SetFromString(&theBack, theText.c_str()));
     EXPECT_EQ(theValue, Native(theBack));
   }
+}
+
+TEST(qvLongLongKept, DividingByZeroFaults) {
+  ExpectDivisionFault([] {
+    qvULongLong theValue = ULongLong(7);
+    qvULongLong_Div(&theValue, qvULongLong_0);
+  });
+  ExpectDivisionFault([] {
+    qvULongLong theValue = ULongLong(0);
+    qvULongLong_Mod(&theValue, qvULongLong_0);
+  });
+  ExpectDivisionFault([] {
+    qvULongLong theValue = *qvULongLong_Max;
+    qvULongLong_ModUInt32(&theValue, 0);
+  });
 }
 
 TEST(qvLongLongKept, ShiftLeftBy32AndMoreDropsTheHighWordWithoutAReport) {
