@@ -29,6 +29,8 @@ using MutexPtr = std::unique_ptr<qvOSMutex, MutexDeleter>;
 MutexPtr NewMutex() { return MutexPtr(qvMutex_New()); }
 
 bool gfInitFails = false;
+int gAttributes = 0;                    // initialised and not destroyed
+pthread_mutex_t* gDestroyed = nullptr;  // by the last pthread_mutex_destroy
 
 // A handle around a system mutex that reports misuse, so that the system's refusals can be had.
 struct RefusingMutex {
@@ -52,13 +54,29 @@ void OnAnotherThread(Body aBody) {
 
 }  // namespace
 
-// Stands in for the system's function, so that it can be made to fail.
+template <typename Function>
+Function* TheSystems(Function* /*aStandIn*/, const char* aName) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, aName));
+}
+
+// Stand in for the system's functions: one can be made to fail, the others are watched.
 extern "C" int pthread_mutex_init(pthread_mutex_t* aMutex, const pthread_mutexattr_t* anAttribute) noexcept {
-  if (gfInitFails) {
-    return ENOMEM;
-  }
-  using Function = int (*)(pthread_mutex_t*, const pthread_mutexattr_t*);
-  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_mutex_init"))(aMutex, anAttribute);
+  return gfInitFails ? ENOMEM : TheSystems(pthread_mutex_init, "pthread_mutex_init")(aMutex, anAttribute);
+}
+
+extern "C" int pthread_mutex_destroy(pthread_mutex_t* aMutex) noexcept {
+  gDestroyed = aMutex;
+  return TheSystems(pthread_mutex_destroy, "pthread_mutex_destroy")(aMutex);
+}
+
+extern "C" int pthread_mutexattr_init(pthread_mutexattr_t* anAttribute) noexcept {
+  ++gAttributes;
+  return TheSystems(pthread_mutexattr_init, "pthread_mutexattr_init")(anAttribute);
+}
+
+extern "C" int pthread_mutexattr_destroy(pthread_mutexattr_t* anAttribute) noexcept {
+  --gAttributes;
+  return TheSystems(pthread_mutexattr_destroy, "pthread_mutexattr_destroy")(anAttribute);
 }
 
 TEST(qvMutex, StatusCodesHaveTheirValues) {
@@ -96,6 +114,16 @@ TEST(qvMutex, AMutexThatTheSystemCannotMakeIsNull) {
   qvOSMutex* theMutex = qvMutex_New();
   gfInitFails = false;
   EXPECT_EQ(nullptr, theMutex);
+}
+
+TEST(qvMutex, MakingAMutexLeavesNoAttributeBehind) {
+  gAttributes = 0;
+  MutexPtr theMutex = NewMutex();
+  EXPECT_EQ(0, gAttributes);
+  gfInitFails = true;
+  qvMutex_New();
+  gfInitFails = false;
+  EXPECT_EQ(0, gAttributes) << "nor when it fails";
 }
 
 TEST(qvMutex, ALockThatTheSystemRefusesIsAnErrorAndChangesNothing) {
@@ -325,6 +353,13 @@ TEST(qvMutex, EveryCheckedOperationAssertsOnAnObjectWithoutTheMagicNumber) {
   EXPECT_QV_ASSERTION(qvMutex_Unlock(&theCleared), kBadHandle, kSource);
   EXPECT_QV_ASSERTION(qvMutex_IsHeld(&theCleared), kBadHandle, kSource);
   EXPECT_QV_ASSERTION(qvMutex_Posix_Get(&theCleared), kBadHandle, kSource);
+}
+
+TEST(qvMutex, DeleteDestroysTheSystemsMutex) {
+  qvOSMutex* theMutex = qvMutex_New();
+  pthread_mutex_t* theSystems = qvMutex_Posix_Get(theMutex);
+  qvMutex_Delete(theMutex);
+  EXPECT_EQ(theSystems, gDestroyed);
 }
 
 TEST(qvMutex, DeleteClearsTheMagicNumberBeforeTheMemoryIsFreed) {

@@ -64,6 +64,7 @@ struct FakeSystem {
   struct timespec mNow = {};  // the real-time clock stands still here while sem_timedwait is faked
   struct timespec mDeadline = {};
   int mIsShared = -1;
+  sem_t* mDestroyed = nullptr;  // by the last sem_destroy
 };
 FakeSystem gSystem;
 
@@ -93,6 +94,11 @@ extern "C" int clock_gettime(clockid_t aClock, struct timespec* aTime) noexcept 
 extern "C" int sem_init(sem_t* aSemaphore, int anIsShared, unsigned int aValue) noexcept {
   gSystem.mIsShared = anIsShared;
   return TheSystems(sem_init, "sem_init")(aSemaphore, anIsShared, aValue);
+}
+
+extern "C" int sem_destroy(sem_t* aSemaphore) noexcept {
+  gSystem.mDestroyed = aSemaphore;
+  return TheSystems(sem_destroy, "sem_destroy")(aSemaphore);
 }
 
 extern "C" int sem_trywait(sem_t* aSemaphore) noexcept {
@@ -305,6 +311,13 @@ TEST_F(qvSemaphore, EveryOperationAssertsOnAnObjectWithoutTheMagicNumber) {
   EXPECT_QV_ASSERTION(qvSemaphore_Wait(&theCleared), kBadHandle, kSource);
   EXPECT_QV_ASSERTION(qvSemaphore_TryWait(&theCleared), kBadHandle, kSource);
   EXPECT_QV_ASSERTION(qvSemaphore_WaitTimeout(&theCleared, 0), kBadHandle, kSource);
+}
+
+TEST_F(qvSemaphore, DeleteDestroysTheSystemsSemaphore) {
+  qvOSSemaphore* theSemaphore = qvSemaphore_New(0);
+  sem_t* theSystems = &theSemaphore->mSemaphore;
+  qvSemaphore_Delete(theSemaphore);
+  EXPECT_EQ(theSystems, gSystem.mDestroyed);
 }
 
 TEST_F(qvSemaphore, DeleteClearsTheMagicNumberBeforeTheMemoryIsFreed) {

@@ -199,6 +199,12 @@ TEST(qvTimeRFC1123, NumbersThatAreNoMinuteAndNoSecondAreSkippedAtOnce) {
   }
 }
 
+TEST(qvTimeRFC1123, AFieldIsReadOnce) {
+  Expect({"Nov Dec 1994", 0, 0, 0, 10, 94, 0, 0, 0, "a second month is skipped"});
+  Expect({"1994 1995", 0, 0, 0, 0, 94, 0, 0, 0, "so is a second year"});
+  Expect({"08:49:37:12", 0, 0, 0, 0, 0, 8, 49, 37, "so is a number behind the second"});
+}
+
 TEST(qvTimeRFC1123, EveryZoneIsKnownAndEndsTheDate) {
   const char* const kZones[] = {"UT",  "GMT", "EST", "EDT",   "CST",   "CDT",   "MST",
                                 "MDT", "PST", "PDT", "+0000", "-1200", "+9999", "pst"};

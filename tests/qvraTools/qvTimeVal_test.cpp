@@ -1,6 +1,9 @@
 // Time values on the monotonic clock.
 
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -17,7 +20,19 @@ qvtimeval Now() {
   return theNow;
 }
 
+// Where the monotonic clock stands still; null while it runs.
+const struct timespec* sStopped = nullptr;
+
 }  // namespace
+
+// Stands in for the system's function, so that the clock can be stopped.
+extern "C" int clock_gettime(clockid_t aClock, struct timespec* aTime) noexcept {
+  if (aClock == CLOCK_MONOTONIC && sStopped != nullptr) {
+    *aTime = *sStopped;
+    return 0;
+  }
+  return static_cast<int>(syscall(SYS_clock_gettime, aClock, aTime));
+}
 
 TEST(qvTimeVal, TimeIsTheMonotonicClock) {
   const qvtimeval theBefore = Now();
@@ -181,4 +196,27 @@ TEST(qvTimeVal, TheRestIsZeroNowAndAfterTheDeadline) {
   qvtimeval theJustPast = Now();
   theJustPast.tv_sec -= 1;
   EXPECT_EQ(0u, qvTimeVal_RemainingTimeOut(&theJustPast));
+}
+
+TEST(qvTimeVal, TheRestIsCutToWholeMilliseconds) {
+  const struct {
+    qvtimeval mDeadline;
+    uint32 mRest;
+    const char* mWhy;
+  } kCases[] = {
+      {{1000, 499999}, 0, "a microsecond ago"},
+      {{1000, 500000}, 0, "now"},
+      {{1000, 500999}, 0, "less than a millisecond"},
+      {{1000, 501000}, 1, "a millisecond"},
+      {{1000, 501999}, 1, "cut, not rounded"},
+      {{1002, 250000}, 1750, "seconds and milliseconds"},
+      {{4295967, 795000}, 4294967295, "as many as a word holds"},
+  };
+  const struct timespec theNow = {1000, 500000999};
+  for (const auto& theCase : kCases) {
+    sStopped = &theNow;
+    const uint32 theRest = qvTimeVal_RemainingTimeOut(&theCase.mDeadline);
+    sStopped = nullptr;
+    EXPECT_EQ(theCase.mRest, theRest) << theCase.mWhy;
+  }
 }
