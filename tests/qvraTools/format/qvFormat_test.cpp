@@ -1,17 +1,15 @@
-// The formatted-output functions: buffers, lengths, allocated results, positions, classification.
+// The formatted-output functions: buffers, lengths, allocated results, positions.
 #include "qvraTools/format/qvFormat.h"
 
-#include <errno.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <string.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 #include <atomic>
-#include <limits>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -440,113 +438,4 @@ TEST(qvFormat, StoresTheCountByPosition) {
   int theCount = -1;
   ExpectFormatted("ab|", "%2$s%1$n|", &theCount, "ab");
   EXPECT_EQ(2, theCount);
-}
-
-// Classification
-
-struct Classified {
-  double mNumber;
-  int mNaN, mInf, mFinite, mSign, mClass;
-  const char* mWhy;
-};
-
-TEST(qvFormatClassify, TellsTheClassesOfDoubles) {
-  const double kInfinity = std::numeric_limits<double>::infinity();
-  const double kNaN = std::numeric_limits<double>::quiet_NaN();
-  const Classified kCases[] = {
-      {0.0, 0, 0, 1, 0, 4, "zero"},
-      {-0.0, 0, 0, 1, 1, 4, "minus zero has its sign"},
-      {1.0, 0, 0, 1, 0, 2, "an ordinary number"},
-      {-1.5, 0, 0, 1, 1, 2, "a negative number"},
-      {2.2250738585072014e-308, 0, 0, 1, 0, 2, "the smallest normal number"},
-      {2.2250738585072009e-308, 0, 0, 1, 0, 3, "the largest subnormal number"},
-      {4.9406564584124654e-324, 0, 0, 1, 0, 3, "the smallest number"},
-      {-4.9406564584124654e-324, 0, 0, 1, 1, 3, "its negative"},
-      {1.7976931348623157e308, 0, 0, 1, 0, 2, "the largest number"},
-      {kInfinity, 0, 1, 0, 0, 0, "infinity"},
-      {-kInfinity, 0, -1, 0, 1, 0, "minus infinity"},
-      {kNaN, 1, 0, 0, 0, 1, "not a number"},
-      {-kNaN, 1, 0, 0, 1, 1, "not a number, with the sign bit"},
-  };
-  for (const Classified& theCase : kCases) {
-    EXPECT_EQ(theCase.mNaN, qv_isnan(theCase.mNumber) != 0) << theCase.mWhy;
-    EXPECT_EQ(theCase.mInf, qv_isinf(theCase.mNumber)) << theCase.mWhy;
-    EXPECT_EQ(theCase.mFinite, qv_isfinite(theCase.mNumber) != 0) << theCase.mWhy;
-    EXPECT_EQ(theCase.mSign, qv_signbit(theCase.mNumber) != 0) << theCase.mWhy;
-    EXPECT_EQ(theCase.mClass, qv_fpclassify(theCase.mNumber)) << theCase.mWhy;
-  }
-}
-
-TEST(qvFormatClassify, NamesTheClasses) {
-  EXPECT_EQ(0, VEXA_FP_INFINITE);
-  EXPECT_EQ(1, VEXA_FP_NAN);
-  EXPECT_EQ(2, VEXA_FP_NORMAL);
-  EXPECT_EQ(3, VEXA_FP_SUBNORMAL);
-  EXPECT_EQ(4, VEXA_FP_ZERO);
-}
-
-static uint64_t Bits(double aNumber) {
-  uint64_t theBits = 0;
-  memcpy(&theBits, &aNumber, sizeof theBits);
-  return theBits;
-}
-
-TEST(qvFormatClassify, MakesTheSpecialNumbers) {
-  EXPECT_EQ(0x8000000000000000u, Bits(qv_nzero()));
-  EXPECT_EQ(0x7ff0000000000000u, Bits(qv_pinf()));
-  EXPECT_EQ(0xfff0000000000000u, Bits(qv_ninf()));
-  EXPECT_EQ(0x7ff8000000000000u, Bits(qv_nan()) & 0x7fffffffffffffffu) << "a quiet NaN, of either sign";
-}
-
-// Small string functions
-
-TEST(qvFormatStrings, MeasuresAText) {
-  EXPECT_EQ(0u, _qv_length(""));
-  EXPECT_EQ(5u, _qv_length("a\xff"
-                           "cde"));
-}
-
-TEST(qvFormatStrings, NamesASystemError) {
-  EXPECT_STREQ("No such file or directory", _qv_error(ENOENT));
-  EXPECT_STREQ("Success", _qv_error(0));
-}
-
-TEST(qvFormatStrings, ReadsALong) {
-  char* theEnd = nullptr;
-  const char* kText = " -12x";
-  EXPECT_EQ(-12, _qv_to_long(kText, &theEnd, 10));
-  EXPECT_EQ(kText + 4, theEnd);
-  EXPECT_EQ(5, _qv_to_long("101", nullptr, 2));
-  EXPECT_EQ(35, _qv_to_long("z", nullptr, 36));
-  EXPECT_EQ(255, _qv_to_long("0xff", nullptr, 16));
-  EXPECT_EQ(LONG_MAX, _qv_to_long("99999999999999999999", nullptr, 10));
-}
-
-TEST(qvFormatStrings, ReadsAWideLong) {
-  wchar_t* theEnd = nullptr;
-  const wchar_t* kText = L" -12x";
-  EXPECT_EQ(-12, _qv_w_to_long(kText, &theEnd, 10));
-  EXPECT_EQ(kText + 4, theEnd);
-  EXPECT_EQ(35, _qv_w_to_long(L"z", nullptr, 36));
-}
-
-// The system's own assertion: a line on standard error, then SIGABRT.
-static void ExpectSystemAssertion(const std::function<void()>& aBody, const std::string& aText) {
-  ChildResult theResult = RunInChild(aBody);
-  EXPECT_EQ(SIGABRT, theResult.mSignal);
-  EXPECT_THAT(theResult.mStderr, testing::HasSubstr("Assertion `" + aText + "' failed."));
-}
-
-TEST(qvFormatStrings, RefuseANullText) {
-  const char* kNull = nullptr;
-  const wchar_t* kWideNull = nullptr;
-  ExpectSystemAssertion([&] { _qv_to_long(kNull, nullptr, 10); }, "string");
-  ExpectSystemAssertion([&] { _qv_w_to_long(kWideNull, nullptr, 10); }, "string");
-}
-
-TEST(qvFormatStrings, RefuseABaseOutside2To36) {
-  for (int theBase : {-1, 0, 1, 37}) {
-    ExpectSystemAssertion([&] { _qv_to_long("1", nullptr, theBase); }, "(base >= 2) && (base <= 36)");
-    ExpectSystemAssertion([&] { _qv_w_to_long(L"1", nullptr, theBase); }, "(base >= 2) && (base <= 36)");
-  }
 }
