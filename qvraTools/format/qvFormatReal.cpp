@@ -19,16 +19,16 @@ static bool qvFormat_S_IsUpper(const qvFormatDirective& aDirective) { return aDi
 
 // Takes the last aPrecision of the digits behind the point; those that are not there are zeros.
 static void qvFormat_S_SetFraction(const qvFormatDirective& aDirective, const char* aDigits, int aCount,
-                                   int aPrecision, qvFormatNumber* aNumber) {
+                                   uint32 aPrecision, qvFormatNumber* aNumber) {
   aNumber->mfPoint = aPrecision > 0 || qvFormat_S_HasFlag(aDirective, kqvFormatFlag_Alternative);
   aNumber->mFraction = aDigits;
   aNumber->mFractionCount = static_cast<uint32>(aCount);
-  aNumber->mZerosAfter = static_cast<uint32>(aPrecision - aCount) - aNumber->mZerosBehindPoint;
+  aNumber->mZerosAfter = aPrecision - aNumber->mFractionCount - aNumber->mZerosBehindPoint;
 }
 
 // "123.45" with so many digits behind the point.
 static void qvFormat_S_SetFixed(const qvFormatDirective& aDirective, const qvFormatDigits& aDigits,
-                                int aPrecision, qvFormatNumber* aNumber) {
+                                uint32 aPrecision, qvFormatNumber* aNumber) {
   int theWhole = aDigits.mPointAt;
   if (theWhole > 0) {
     aNumber->mDigits = aDigits.mStart;
@@ -57,7 +57,7 @@ static void qvFormat_S_SetExponent(char aLetter, int anExponent, uint32 aLeast, 
 
 // "1.2345e+02" with so many digits behind the point.
 static void qvFormat_S_SetScientific(const qvFormatDirective& aDirective, const qvFormatDigits& aDigits,
-                                     int aPrecision, qvFormatNumber* aNumber) {
+                                     uint32 aPrecision, qvFormatNumber* aNumber) {
   aNumber->mDigits = aDigits.mStart;
   aNumber->mDigitCount = 1;
   qvFormat_S_SetFraction(aDirective, aDigits.mStart + 1, aDigits.mCount - 1, aPrecision, aNumber);
@@ -77,10 +77,12 @@ static void qvFormat_S_SetGeneral(const qvFormatDirective& aDirective, qvFormatD
     }
     theKept = aDigits.mCount;
   }
+  // With zeros between point and digits, up to three more than an int holds.
+  uint32 thePrecision = static_cast<uint32>(theKept) - static_cast<uint32>(theWhole);
   if (theFixed) {
-    qvFormat_S_SetFixed(aDirective, aDigits, theKept - theWhole, aNumber);
+    qvFormat_S_SetFixed(aDirective, aDigits, thePrecision, aNumber);
   } else {
-    qvFormat_S_SetScientific(aDirective, aDigits, theKept - theWhole, aNumber);
+    qvFormat_S_SetScientific(aDirective, aDigits, thePrecision, aNumber);
   }
 }
 
@@ -91,15 +93,15 @@ static void qvFormat_S_SetDecimal(const qvFormatDirective& aDirective, const qvF
   switch (aDirective.mConversion) {
     case 'f':
     case 'F':
-      qvFormat_S_SetFixed(aDirective, qvFormatDigits_Fixed(aReal, thePrecision, aPlace), thePrecision,
-                          aNumber);
+      qvFormat_S_SetFixed(aDirective, qvFormatDigits_Fixed(aReal, thePrecision, aPlace),
+                          static_cast<uint32>(thePrecision), aNumber);
       break;
     case 'e':
     case 'E': {
       // One digit more than the precision, and no int holds one more than the largest.
       int theCount = thePrecision < INT_MAX ? thePrecision + 1 : thePrecision;
-      qvFormat_S_SetScientific(aDirective, qvFormatDigits_Leading(aReal, theCount, aPlace), thePrecision,
-                               aNumber);
+      qvFormat_S_SetScientific(aDirective, qvFormatDigits_Leading(aReal, theCount, aPlace),
+                               static_cast<uint32>(thePrecision), aNumber);
       break;
     }
     default: {
@@ -159,7 +161,7 @@ static void qvFormat_S_SetHex(const qvFormatDirective& aDirective, qvFormatBinar
   aNumber->mDigits = theStart;
   aNumber->mDigitCount = 1;
   qvFormat_S_SetFraction(aDirective, theStart + 1, theGiven,
-                         thePrecision > theGiven ? thePrecision : theGiven, aNumber);
+                         static_cast<uint32>(thePrecision > theGiven ? thePrecision : theGiven), aNumber);
   qvFormat_S_SetExponent(theUpper ? 'P' : 'p', aParts.mExponent, 1, aNumber);
 }
 

@@ -175,6 +175,15 @@ TEST(qvFormat, GivesTheFullLengthOfAHugePrecision) {
   EXPECT_EQ(2147483647, qv_snprintf(theBuffer, sizeof theBuffer, "%.2147483645f", 1.5));
 }
 
+TEST(qvFormat, CountsTheZerosBehindThePointOnTopOfAHugePrecision) {
+  char theBuffer[16];
+  EXPECT_EQ(2147483647, qv_snprintf(theBuffer, sizeof theBuffer, "%#.2147483642g", 0.0001));
+  EXPECT_STREQ("0.0001000000000", theBuffer);
+  ExpectFormatted("error 7 at 14", "%#.2147483643g", 0.0001);
+  ExpectFormatted("error 7 at 14", "%#.2147483647g", 0.0001);
+  ExpectFormatted("error 7 at 15", "%#.2147483647Lg", 0.0001L);
+}
+
 TEST(qvFormat, GivesTheFullLengthOfAHugeWidth) {
   char theBuffer[16];
   EXPECT_EQ(2147483647, qv_snprintf(theBuffer, sizeof theBuffer, "%2147483647d", 5));
