@@ -11,6 +11,7 @@
 #include <string>
 
 #include "qvraTools/format/qvFormat.h"
+#include "support/BuiltLocale.h"
 #include "support/FormatText.h"
 
 #pragma GCC diagnostic ignored "-Wformat"
@@ -406,4 +407,12 @@ TEST(qvFormatNumber, DoesNotDependOnTheRoundingMode) {
     fesetround(FE_TONEAREST);
     EXPECT_EQ("0.2 2 1.01e+00 0.1 0x2p+0 0.2", theText);
   }
+}
+
+TEST(qvFormatNumber, DoesNotDependOnTheLocale) {
+  CommaLocale theLocale;
+  if (!theLocale.WhyNot().empty()) {
+    GTEST_SKIP() << theLocale.WhyNot();
+  }
+  ExpectFormatted("1.50 2.5e+00 0.1 0x1.8p+0 0.5", "%.2f %.1e %g %a %.1Lf", 1.5, 2.5, 0.1, 1.5, 0.5L);
 }
