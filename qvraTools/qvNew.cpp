@@ -4,8 +4,8 @@
 
 #include "qvraTools/qvFatalError.h"
 
-// Null in a C program, which is not made to load the C++ runtime for it: the header's declaration is not weak.
-// NOLINTNEXTLINE(readability-redundant-declaration)
+// Null in a C program, which is not made to load the C++ runtime for it: the header's declaration is not
+// weak. NOLINTNEXTLINE(readability-redundant-declaration)
 void* operator new(size_t aSize, const std::nothrow_t&) noexcept __attribute__((weak));
 
 void* operator new(size_t aSize, qvOrFatalError) {
