@@ -74,6 +74,8 @@ void qvDebug_S_PutSymbol(int aFile, int anIndex, const char* aSymbol) {
 }
 
 void qvDebug_S_PutAddress(int anIndex, const void* anAddress) {
+  // KEEP qvDebugKept.AnUnresolvedAddressHasItsPrefixTwice
+  // %p writes "0x" itself, so the line reads "[0x0x...]"; it is the required text.
   char theLine[kqvDebug_LineSize];
   qv_snprintf(theLine, sizeof(theLine), "%02d: [0x%p]\n", anIndex, anAddress);
   QVDEBUG_LOG(F("%s", theLine));
@@ -123,8 +125,10 @@ void qvDebug_S_CopyStack(const void* aFrom, void* aTo, size_t aSize) {
 }
 
 void qvDebug_S_PutStackDump(int aFile, const void* aFrame) {
+  // KEEP qvDebugKept.TheTextsAroundAStackDumpAreThoseOfTheLogOnly
+  // On standard output the first word follows on the same line and no end mark follows the last one. The end
+  // mark in the log opens a bracket only, and counts words of 4 bytes on every machine.
   QVDEBUG_LOG(F("Here is a stack dump, try to find something on your own:\n"));
-  // On standard output the first word follows on the same line.
   fputs("Here is a stack dump, try to find something on your own:", stdout);
   qvDebug_S_CopyStack(aFrame, sStackWords, sizeof(sStackWords));
   char** theSymbols = backtrace_symbols(sStackWords, kqvDebug_StackWords);

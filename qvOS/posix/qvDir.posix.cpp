@@ -83,7 +83,9 @@ int qvDir_CreatePath(const char* aDirPath) {
   if (theText == NULL || theText[0] == '\0') {
     return 0;
   }
-  // The first component, up to theSlash, is taken to exist; a path that has no other is made at the end.
+  // KEEP qvDirKept.CreatePathTakesTheFirstComponentToExist
+  // The first component, up to theSlash, is never made when others follow, so a path below a directory of the
+  // root that is missing fails. A path that has no other component is made at the end.
   char* theSlash = strchr(theText + 1, '/');
   while (theSlash != NULL) {
     theSlash = strchr(theSlash + 1, '/');

@@ -12,7 +12,10 @@
 #include "qvraTools/qvAssert.h"
 
 #define kqvFile_MaxTransfer 0x40000000 /* bytes; 32-bit systems refuse to move 2 GiB or more at once */
-#define kqvFile_Permissions 0777       /* for a new file, less the process's umask                   */
+
+// KEEP qvFileKept.ANewFileHasAllPermissionsLessTheUmask
+// With the right to execute, which a new file seldom needs; callers rely on the umask alone.
+#define kqvFile_Permissions 0777
 
 static_assert(sizeof(off_t) == sizeof(qvFileOffset), "built without the large-file interfaces");
 
@@ -212,6 +215,8 @@ int qvFile_ChangeSize(qvFileFD aFD, qvFileOffset aSize) {
   return static_cast<uint32>(thePosition) != 0 ? -1 : 0;
 }
 
+// KEEP qvFileKept.SetSizeTakesThePathAsItIs
+// The one path that is not normalised: a relative one counts from the working directory.
 int qvFile_SetSize(const char* aFilePath, qvFileOffset aSize) {
   return aFilePath != NULL ? truncate(aFilePath, aSize) : -1;
 }

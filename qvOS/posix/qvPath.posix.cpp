@@ -93,6 +93,8 @@ static void qvPath_S_FindApplicationPath(uint32 aProcessId, char* aText) {
   qvPath_S_ReadProcLink(aProcessId, "exe", aText);
   qvPath_S_TurnBackslashes(aText);
   // The executable of a Java program is the virtual machine, and no program keeps its files beside that.
+  // KEEP qvPathKept.JavaAnywhereInThePathMakesAJavaProgram
+  // Any "java" in the path counts, so a program in "/opt/myjavabox" is taken for one, too.
   char theDir[kqvPath_MaxLength + 1];
   if (strstr(aText, "java") != NULL && qvPath_S_ReadProcLink(aProcessId, "cwd", theDir)) {
     theDir[kqvPath_MaxLength - strlen("/java")] = '\0';

@@ -78,6 +78,8 @@ qvtime_t qvTime_ConvertMacroDate(const char* aTime) {
       kqvTime_MacroDateFieldCount) {
     return 0;
   }
+  // KEEP qvTimeKept.MacroDateTakesTheMonthFromThePlaceOfTheWordAmongTheNames
+  // A part of a name counts as well, and a word across two names as the first of them.
   const char* theMonthName = strstr(kqvTime_MonthNames, theMonthWord);
   if (theMonthName == NULL) {
     return 0;

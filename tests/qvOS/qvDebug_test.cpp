@@ -85,6 +85,7 @@ class qvDebug : public testing::Test {
   }
   ~qvDebug() override { gBackTrace = FakeBackTrace(); }
 };
+using qvDebugKept = qvDebug;
 
 TEST_F(qvDebug, ATraceGoesToTheFileTheLogAndStandardOutput) {
   Trace theTrace = TraceOf([] { qvDebug_BackTraceCurrent(0); });
@@ -137,6 +138,12 @@ TEST_F(qvDebug, UnresolvedFramesAppearAsAddressesButNotInTheFile) {
   EXPECT_EQ(theLines, theTrace.mResult.mStdout);
 }
 
+TEST_F(qvDebugKept, AnUnresolvedAddressHasItsPrefixTwice) {
+  Trace theTrace = TraceOf([] { qvDebug_S_PutAddress(0, reinterpret_cast<void*>(0x1000)); });
+  EXPECT_EQ("00: [0x0x00001000]\n", theTrace.mLog);
+  EXPECT_EQ("00: [0x0x00001000]\n", theTrace.mResult.mStdout);
+}
+
 TEST_F(qvDebug, FewerThanSixFramesAreFollowedByAStackDump) {
   gBackTrace.mSymbols.resize(5);
   Trace theTrace = TraceOf([] { qvDebug_BackTraceCurrent(0); });
@@ -145,9 +152,18 @@ TEST_F(qvDebug, FewerThanSixFramesAreFollowedByAStackDump) {
   EXPECT_EQ(Announcement(theTrace, 5) + kFive + "Here is a stack dump, try to find something on your own:\n" +
                 StackDumpLines() + "[End of stack dump (4*256 bytes)\n",
             theTrace.mLog);
-  // No line end behind the announcement on standard output, and no end mark.
   EXPECT_EQ(Announcement(theTrace, 5) + kFive +
                 "Here is a stack dump, try to find something on your own:" + StackDumpLines(),
+            theTrace.mResult.mStdout);
+}
+
+TEST_F(qvDebugKept, TheTextsAroundAStackDumpAreThoseOfTheLogOnly) {
+  std::vector<void*> theStack(256, nullptr);
+  Trace theTrace = TraceOf([&] { qvDebug_S_PutStackDump(-1, theStack.data()); });
+  EXPECT_EQ("Here is a stack dump, try to find something on your own:\n" + StackDumpLines() +
+                "[End of stack dump (4*256 bytes)\n",
+            theTrace.mLog);
+  EXPECT_EQ("Here is a stack dump, try to find something on your own:" + StackDumpLines(),
             theTrace.mResult.mStdout);
 }
 

@@ -230,7 +230,7 @@ TEST(qvFile, AppendToWhatHasNoEndIsAnErrorAndLeavesNothingOpen) {
   close(theReader);
 }
 
-TEST(qvFile, ANewFileHasAllPermissionsLessTheUmask) {
+TEST(qvFileKept, ANewFileHasAllPermissionsLessTheUmask) {
   ScratchFolder theScratch;
   struct stat theStat;
   mode_t theUmask = umask(0);

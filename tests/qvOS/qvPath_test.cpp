@@ -184,7 +184,7 @@ TEST(qvPath, AJavaProgramsPathIsItsWorkingDirectory) {
                   {"chdir", theElsewhere, "full", "path", "name", "normalize", "a.ini"}));
 }
 
-TEST(qvPath, JavaAnywhereInThePathMakesAJavaProgram) {
+TEST(qvPathKept, JavaAnywhereInThePathMakesAJavaProgram) {
   ScratchFolder theScratch;
   std::string theFolder = MakeFolder(theScratch, "myjavabox");
   std::string theElsewhere = MakeFolder(theScratch, "elsewhere");

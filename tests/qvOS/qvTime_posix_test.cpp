@@ -132,7 +132,7 @@ TEST(qvTimeOfSystem, MacroDateKnowsEveryMonth) {
   }
 }
 
-TEST(qvTimeOfSystem, MacroDateTakesTheMonthFromThePlaceOfTheWordAmongTheNames) {
+TEST(qvTimeKept, MacroDateTakesTheMonthFromThePlaceOfTheWordAmongTheNames) {
   TimeZone theZone("UTC0");
   EXPECT_EQ(1420070400, qvTime_ConvertMacroDate("an 1 2015")) << "within January";
   EXPECT_EQ(1422748800, qvTime_ConvertMacroDate("bMar 1 2015")) << "begins in February";
