@@ -102,9 +102,12 @@ int qvFile_S_OpenUninterrupted(const char* aFilePath, qvFileOpenMode anOpenMode,
 
 int qvFile_Close(qvFileFD aFD) {
   int theResult = close(aFD);
+  // KEEP qvFileFaults.AnInterruptedCloseIsTriedAgain
+  // Some systems, Linux among them, close the file although they report the interruption: then there is
+  // nothing left to close, or another thread's new file. Elsewhere the file would stay open; it is the
+  // required result.
   while (theResult == -1 && errno == EINTR) {
     theResult = close(aFD);
-    // Some systems close the file although they report the interruption: then there is nothing left to close.
     if (theResult == -1 && errno == EBADF) {
       theResult = 0;
     }

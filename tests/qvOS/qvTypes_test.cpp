@@ -18,3 +18,5 @@ TEST(qvTypes, EveryIntegerHasTheWidthAndTheSignOfItsName) {
   EXPECT_TRUE(std::is_signed<int8>::value && std::is_unsigned<uint8>::value);
   EXPECT_TRUE(std::is_signed<qvint64_t>::value && std::is_unsigned<qvuint64_t>::value);
 }
+
+TEST(qvTypes, TheLargestUInt32IsWhat32BitsHold) { EXPECT_EQ(4294967295u, kqvuint32_max); }
