@@ -38,7 +38,7 @@ class QVLOG_API qvLogger {
   qvLogger(const char* aName, bool aAddToList);
   qvLogger(const qvLogger&) = delete;
   qvLogger& operator=(const qvLogger&) = delete;
-  // Leaves the chain.
+  // Leaves the chain, under the framework lock.
   virtual ~qvLogger();
 
   // Whether the module is switched on for this logger. Decided once from the configuration, then remembered

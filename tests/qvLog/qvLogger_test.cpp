@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <thread>
 
 #include "qvLog/qvLoggerConfig_p.h"
 #include "support/ChildProcess.h"
 #include "support/ClassLayout.h"
 #include "support/RecordingLogger.h"
+#include "support/SleepingThread.h"
 
 // First in this file, for a run of all tests in one process.
 TEST(qvLoggerBeforeFirstUse, ALoggerOutsideTheChainInitialisesNothing) {
@@ -168,6 +170,36 @@ TEST(qvLogger, DeletingAllLoggersRunsTheirDestructorsAndEmptiesTheChain) {
   qvLogger::DeleteAllLoggers();
   EXPECT_EQ("ba", sDeleted);
   EXPECT_EQ(nullptr, qvLogger::sHead);
+}
+
+TEST(qvLogger, AChangeOfTheChainWaitsForTheFrameworkLock) {
+  RecordingLogger theLogger(2, false);
+  for (void (*theChange)(qvLogger*) : {qvLogger::AddLogger, qvLogger::RemoveLogger}) {
+    qvLogger::LockFramework();
+    qvLogger* theHead = qvLogger::sHead;
+    {
+      SleepingThread theOther([&] { theChange(&theLogger); });
+      EXPECT_EQ(theHead, qvLogger::sHead);
+      qvLogger::UnlockFramework();
+    }
+    EXPECT_NE(theHead, qvLogger::sHead);
+  }
+}
+
+TEST(qvLogger, NoLoggerIsDeletedWhileAnotherThreadHoldsTheFrameworkLock) {
+  static std::atomic<bool> sfDeleted{false};
+  struct Mortal : RecordingLogger {
+    Mortal() : RecordingLogger(2) {}
+    ~Mortal() override { sfDeleted = true; }
+  };
+  new Mortal;
+  qvLogger::LockFramework();
+  {
+    SleepingThread theOther([] { qvLogger::DeleteAllLoggers(); });
+    EXPECT_FALSE(sfDeleted);
+    qvLogger::UnlockFramework();
+  }
+  EXPECT_TRUE(sfDeleted);
 }
 
 TEST(qvLogger, ChangingTheLevelToItsOwnValueLeavesTheGateAlone) {
