@@ -173,6 +173,29 @@ TEST(qvLoggerPrefix, TheStampIsMadeOncePerMessage) {
   EXPECT_EQ("what", theLogger.mText);
 }
 
+TEST(qvLoggerPrefix, TheLaterLinesOfAMessageHaveTheStampOfTheFirst) {
+  RecordingLogger theLogger(2);
+  theLogger.mfWritesPrefix = true;
+  qvLogDataEx* theRecord = static_cast<qvLogDataEx*>(qvLog_Begin(1, 0));
+  ASSERT_NE(nullptr, theRecord);
+  strcpy(theRecord->mTimeStr, "99:99:99:999");  // no clock makes this one
+  qvLog_Append_FML("one\ntwo\n");
+  qvLog_End(theRecord);
+  EXPECT_THAT(theLogger.mMessages[0], testing::HasSubstr("one\nE 99:99:99:999|"));
+}
+
+TEST(qvLoggerPrefix, TheLibrarysLoggersTakeTheStampThatTheFirstLoggerMade) {
+  qvFuncLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theRecord.mFormatted = _qvLog_gData.mFormatted;
+  theRecord.mSizeofFormatted = _qvLog_gData.mSizeofFormatted;
+  theRecord.mLevel = QVLOGLEVEL_INFO;
+  strcpy(theRecord.mTimeStr, "99:99:99:999");
+  theRecord.mTimeStrLen = 12;
+  theLogger.GenerateBeginLine(&theRecord);
+  EXPECT_THAT(theLogger.mStr, StartsWith("I 99:99:99:999|"));
+}
+
 TEST(qvLoggerPrefix, TheStampIsKeptInTheRecordWithItsLength) {
   RecordingLogger theLogger(2, false);
   qvLogDataEx theRecord = {};
