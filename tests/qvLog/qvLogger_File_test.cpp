@@ -135,6 +135,18 @@ TEST_F(qvFileLoggerTest, AFileIsClosedWithAllThatWasWritten) {
   theLogger.CloseFile();  // of what is closed does nothing
 }
 
+TEST_F(qvFileLoggerTest, TheDestructorClosesTheFileWithAllThatWasWritten) {
+  ScratchFolder theFolder;
+  qvFileLogger* theLogger = new qvFileLogger(false);
+  theLogger->mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  ASSERT_NE(nullptr, theLogger->mFile);
+  int theDescriptor = fileno(theLogger->mFile);
+  theLogger->Append_S(nullptr, "text", 4);
+  delete theLogger;
+  EXPECT_EQ(-1, fcntl(theDescriptor, F_GETFD));
+  EXPECT_EQ("text", ReadWholeFile(theFolder.File("out.txt")));
+}
+
 TEST_F(qvFileLoggerTest, AWriteErrorClosesTheOutputButNoStandardStream) {
   if (access("/dev/full", W_OK) != 0) {
     GTEST_SKIP() << "the system has no device that is full";
@@ -411,20 +423,21 @@ TEST_F(qvFileLoggerTest, AReloadReadsNeitherThresholdNorFileNorMode) {
 TEST_F(qvFileLoggerTest, TermClosesTheFileAndTheNextMessageReadsTheSettingsAnew) {
   LogProgram theProgram;
   theProgram.Configure("[file]\nlevel=all\nfile=out.txt\n");
-  theProgram.Run({"log", "1", "0", "one", "term", "write", "qvLog.box.ini",
-                  std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=other.txt\n", "log", "1", "0",
-                  "two\n"});
-  EXPECT_THAT(theProgram.Read("out.txt"), MatchesRegex(std::string(kStarted) + kError + "one"));
+  ChildResult theResult = theProgram.Run(
+      {"log", "1", "0", "one", "term", "cat", "out.txt", "write", "qvLog.box.ini",
+       std::string(kNoLogDaemon) + "[file]\nlevel=all\nfile=other.txt\n", "log", "1", "0", "two\n"});
+  EXPECT_THAT(theResult.mStdout, MatchesRegex(std::string(kStarted) + kError + "one"));
+  EXPECT_EQ(theResult.mStdout, theProgram.Read("out.txt"));
   EXPECT_THAT(theProgram.Read("other.txt"), MatchesRegex(Lines({"two"})));
 }
 
 TEST_F(qvFileLoggerTest, NeverLogClosesTheFile) {
   LogProgram theProgram;
   theProgram.Configure("[file]\nlevel=all\nfile=out.txt\n");
-  EXPECT_EQ("none\n",
-            theProgram.Run({"log", "1", "0", "one\n", "never", "log", "1", "0", "two\n", "threshold", "File"})
-                .mStdout);
-  EXPECT_THAT(theProgram.Read("out.txt"), MatchesRegex(Lines({"one"})));
+  ChildResult theResult = theProgram.Run(
+      {"log", "1", "0", "one", "never", "cat", "out.txt", "log", "1", "0", "two\n", "threshold", "File"});
+  EXPECT_THAT(theResult.mStdout, MatchesRegex(std::string(kStarted) + kError + "onenone\n"));
+  EXPECT_THAT(theProgram.Read("out.txt"), EndsWith("one"));
 }
 
 TEST_F(qvFileLoggerTest, BeginningAMessageWithoutTextWritesThePrefixOnly) {
