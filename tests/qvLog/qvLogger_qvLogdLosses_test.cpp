@@ -286,6 +286,15 @@ TEST_F(qvLogdLoggerLosses, TheBufferGrowsToTheNeededSizeAndNeverShrinks) {
   EXPECT_EQ(0u, theLogger.mBufferLen);
 }
 
+TEST_F(qvLogdLoggerLosses, AMessageStartsWithoutWhatWasLeftInTheBuffer) {
+  ScriptedLogdLogger theLogger;
+  theLogger.PretendToBeConnected();
+  theLogger.mLastChar = 'c';
+  theLogger.Append_S(Record(), "left", 4);
+  EXPECT_TRUE(theLogger.BeginLog(Record()));
+  EXPECT_EQ(0u, theLogger.mBufferLen);
+}
+
 TEST_F(qvLogdLoggerLosses, AMessageThatEndsTwiceIsSentOnce) {
   ScriptedLogdLogger theLogger;
   theLogger.PretendToBeConnected();

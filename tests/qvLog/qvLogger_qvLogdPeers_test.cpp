@@ -268,9 +268,9 @@ TEST_F(qvLogdLoggerPeers, ABlockingLoggerWaitsForTheDaemonAndLosesNothing) {
   }
 }
 
-TEST_F(qvLogdLoggerPeers, TheSettingBlockingMakesAMessageLargerThanEveryBufferArrive) {
+TEST_F(qvLogdLoggerPeers, AnySettingBlockingButZeroMakesAMessageLargerThanEveryBufferArrive) {
   LogProgram theProgram;
-  theProgram.Configure("[options]\nmax_len_logger=200000\n[qvlogd]\nlevel=all\nblocking=1\n");
+  theProgram.Configure("[options]\nmax_len_logger=200000\n[qvlogd]\nlevel=all\nblocking=2\n");
   const std::string thePiece(100000, 'y');
   std::vector<std::string> theOperations = {"begin"};
   for (int i = 0; i < 15; ++i) {

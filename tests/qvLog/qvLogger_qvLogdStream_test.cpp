@@ -66,6 +66,27 @@ TEST_F(qvLogdLoggerStream, TheHeaderReadsAsPublished) {
                            "E [0-9:]{12}\\|[0-9a-f]{8}\\|DEFAULT    x\n"));
 }
 
+TEST_F(qvLogdLoggerStream, AConnectionStartsWithoutWhatTheLastOneLeft) {
+  ScriptedLogdLogger theLogger;
+  qvLogDataEx theRecord = {};  // without a formatting buffer nothing is in the header
+  theLogger.Append_S(&theRecord, "left", 4);
+  theLogger.mLastChar = 't';
+  EXPECT_TRUE(theLogger.MakeConnected(&theRecord));
+  EXPECT_THAT(theLogger.mSent, ElementsAre(""));
+  EXPECT_EQ('\n', theLogger.mLastChar);
+}
+
+TEST_F(qvLogdLoggerStream, ADerivedLoggerMayNameTheProcessInTheHeader) {
+  struct NamedLogger : ScriptedLogdLogger {
+    void Append_ProcessNameOrId(qvLogDataEx* aRecord) override { Append_S(aRecord, "a name ", 7); }
+  };
+  NamedLogger theLogger;
+  theLogger.EnterChain();
+  EXPECT_TRUE(LogText(1, 0, "x\n"));
+  ASSERT_EQ(2u, theLogger.mSent.size());
+  EXPECT_THAT(theLogger.mSent[0], EndsWith("\nNAME: a name (log started, 0 logs previously lost)\n"));
+}
+
 TEST_F(qvLogdLoggerStream, EachLineCarriesThePrefixOfEveryTextOutput) {
   LogProgram theProgram;
   theProgram.Configure("[qvlogd]\nlevel=all\n");
