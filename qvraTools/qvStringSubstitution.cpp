@@ -3,6 +3,8 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "qvOS/qvPlatform.h"
 #include "qvraTools/qvMalloc.h"
 
@@ -53,13 +55,15 @@ static void qvStringSubstitution_S_Finish(GapText* aText, size_t aLength) {
   aText->mRest += aLength;
 }
 
-// Makes the gap at least aLength bytes wide. The block at least doubles, so that this is seldom needed.
+// Makes the gap at least aLength bytes wide. The block at least doubles, so that this is seldom needed; twice
+// what a machine can address is not to be had, which ends the process.
 static void qvStringSubstitution_S_Widen(GapText* aText, size_t aLength) {
   if (aText->mRest - aText->mDone >= aLength) {
     return;
   }
   size_t theRestLength = aText->mSize - aText->mRest;
-  size_t theNewSize = (aText->mSize + aLength) * 2;
+  size_t theNewSize = aText->mSize + aLength;
+  theNewSize += std::min(theNewSize, static_cast<size_t>(-1) - theNewSize);
   aText->mBlock = static_cast<char*>(qvRealloc(aText->mBlock, theNewSize));
   memmove(aText->mBlock + theNewSize - theRestLength, aText->mBlock + aText->mRest, theRestLength);
   aText->mRest = theNewSize - theRestLength;

@@ -11,6 +11,7 @@
 
 #include "qvraTools/qvMalloc.h"
 #include "support/ChildProcess.h"
+#include "support/HeapUse.h"
 #include "support/OwnedText.h"
 
 namespace {
@@ -24,8 +25,9 @@ char* KnownNames(char* aName, void* aUserData) {
     const char* mName;
     const char* mText;
   } kNames[] = {
-      {"x", "%y%"},  {"y", "Z"},           {"long", "a text longer than its name"},
-      {"empty", ""}, {"env.OVER", "mine"}, {"X", "<y>"},
+      {"x", "%y%"},    {"y", "Z"},           {"long", "a text longer than its name"},
+      {"empty", ""},   {"env.OVER", "mine"}, {"X", "<y>"},
+      {"open", "{y}"},
   };
   for (const auto& theName : kNames) {
     if (strcmp(aName, theName.mName) == 0) {
@@ -142,6 +144,23 @@ TEST(qvStringSubstitution, FunctionGetsTheNameWithoutMarksAndTheUserData) {
   EXPECT_EQ((std::vector<std::string>{"first", "second one"}), theNames);
 }
 
+TEST(qvStringSubstitution, EveryWayToTheFunctionHandsTheUserDataOn) {
+  std::vector<std::string> theNames;
+  char theName[] = "third";
+  TakeText(qvStringSubstitution_Substitute("%first%", '%', 0, KnownNames, &theNames));
+  TakeText(qvStringSubstitution_SubstituteEx("${second}", "${", "}", 0, KnownNames, &theNames));
+  TakeText(qvStringSubstitution_GetSubstitution(theName, KnownNames, &theNames));
+  EXPECT_EQ((std::vector<std::string>{"first", "second", "third"}), theNames);
+}
+
+TEST(qvStringSubstitution, TextsOfTheFunctionAreFreed) {
+  ExpectNoHeapGrowth([] {
+    Substitute("%long%%unknown%%empty%%%");
+    Substitute("%x%", 1);
+    SubstituteEx("<X><long>", "<", ">", 1);
+  });
+}
+
 TEST(qvStringSubstitution, LongTextsAreReplaced) {
   std::string theText;
   std::string theExpected;
@@ -179,6 +198,11 @@ TEST(qvStringSubstitution, EnvironmentPrefixIsExact) {
 TEST(qvStringSubstitution, FunctionOverridesEnvironmentVariables) {
   setenv("OVER", "environment", 1);
   EXPECT_EQ("mine", Substitute("%env.OVER%"));
+}
+
+TEST(qvStringSubstitution, EnvironmentVariableThatTheFunctionDoesNotKnowIsThatOfTheEnvironment) {
+  setenv("QVTEST_SET", "value", 1);
+  EXPECT_EQ("<value>", Substitute("<%env.QVTEST_SET%>"));
 }
 
 TEST(qvStringSubstitution, GetSubstitutionOfAnUnknownNameGivesNull) {
@@ -220,6 +244,13 @@ TEST(qvStringSubstitution, MarksOfSeveralCharactersAreReplaced) {
 
 TEST(qvStringSubstitution, MarksOfSeveralCharactersRecurseToo) {
   EXPECT_EQ("Z", SubstituteEx("<X>", "<", ">", 1));
+}
+
+TEST(qvStringSubstitution, ScanGoesOnAtTheReplacementNotBeforeIt) {
+  // The '$' before the variable and the replacement look like a variable together.
+  EXPECT_EQ("${y}", SubstituteEx("$${open}", "${", "}", 1));
+  EXPECT_EQ("${y}", SubstituteEx("$${open}", "${", "}", 0));
+  EXPECT_EQ("${y}", SubstituteEx("$${unknown}{y}", "${", "}", 1));
 }
 
 TEST(qvStringSubstitution, HostNameFunctionKnowsNoOtherName) {
