@@ -318,7 +318,7 @@ class QVLOG_API qvCString {
   int Find(char aChar, bool afFromEnd = false) const;
   int First(char aChar) const { return Find(aChar, false); }
 
-  /* Whether the text occurs in the string; the empty text does. */
+  /* Whether the text occurs in the string; the empty text does not. */
   bool Contains(const char* aStr) const;
   bool Contains(const qvCString& aCString) const;
 
@@ -369,9 +369,9 @@ class QVLOG_API qvCString {
   bool IsValidUTF8() const;
 
   /* Cleans the text as the flags kqvEmpty ... kqvKeepPrintable say; kqvEmpty goes before kqvKeepValid.
-   * kqvKeepPrintable erases control characters, and leads of 2 to 4 bytes whose continuation bytes are not
-   * all there, together with as many bytes as the sequence should have. After each such erasure as many
-   * bytes as were erased are kept without being looked at. */
+   * kqvKeepPrintable erases control characters (zero bytes too, and goes on behind them), and leads of 2 to
+   * 4 bytes whose continuation bytes are not all there, together with as many bytes as the sequence should
+   * have. After each such erasure as many bytes as were erased are kept without being looked at. */
   qvCString& ValidateUTF8(int aFlags);
 
   /* The wide text; a null buffer when this is not valid UTF-8. */

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <stddef.h>
 
 #include <string>
@@ -195,6 +196,15 @@ TEST(qvCStringDerive, PlusGivesAnAllocatedSpecialText) {
   EXPECT_EQ(kqvCStringData_AllocatedText, theJoined.mCStringData->mAllocatedLength);
   EXPECT_EQ(2, theJoined.mCStringData->mRefCount);
   EXPECT_EQ(4u, theJoined.length());
+}
+
+TEST(qvCStringDerive, PlusAllocatesTheJoinedLengthAndATerminatorOnly) {
+  // A block of this size has pages of its own and, with the allocator's words, fills them to the last byte.
+  mallopt(M_MMAP_THRESHOLD, 4096);
+  const size_t kBlockSize = 49 * 4096 - 24;
+  const qvCString theJoined = StringOf(std::string(kBlockSize - 2, 'a')) + 'b';
+  EXPECT_LE(kBlockSize, malloc_usable_size(theJoined.mStringPtr));
+  EXPECT_GT(49u * 4096u, malloc_usable_size(theJoined.mStringPtr)) << "a page more";
 }
 
 TEST(qvCStringDerive, PlusOfNothingIsTheSharedEmptyText) {

@@ -1,7 +1,6 @@
-// How texts of qvCString are counted, wrapped, checked out and kept in memory.
+// How texts of qvCString are counted, wrapped and kept in memory. Checked out: CStringWriteBuffer_test.cpp.
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <stdlib.h>
 #include <string.h>
 
 #include <string>
@@ -99,6 +98,14 @@ TEST(qvCStringSharing, AssigningATextThatIsSharedAlreadyDoesNothing) {
   EXPECT_EQ(2, CountOf(theString));
 }
 
+TEST(qvCStringSharing, AssigningAStringToItselfKeepsItsText) {
+  qvCString theString("abc");
+  const qvCString& theAlias = theString;
+  theString = theAlias;
+  EXPECT_EQ(1, CountOf(theString));
+  EXPECT_EQ("abc", TextOf(theString));
+}
+
 TEST(qvCStringSharing, TheHeaderCountsAndReleases) {
   const qvCString theString("abc");
   qvCStringData* theData = theString.mCStringData;
@@ -153,6 +160,12 @@ TEST(qvCStringSharing, ThePointerOfASpecialTextStandsBehindTheHeader) {
   EXPECT_EQ(kStatic, thePtr);
   EXPECT_EQ(kStatic, theString.mCStringData->StringPtr());
   EXPECT_EQ(kStatic, theString.c_str());
+}
+
+TEST(qvCStringSharing, TheLargestCapacityIsThatOfAnOrdinaryText) {
+  qvCStringData theData[2] = {{1, 0, 0xFFFFFFFDu}, {0, 0, 0}};
+  EXPECT_EQ(reinterpret_cast<char*>(&theData[1]), theData[0].StringPtr());
+  EXPECT_EQ(0xFFFFFFFDu, kqvCStringData_MaxAllocatedLength);
 }
 
 TEST(qvCStringSharing, AStaticTextIsWrappedWithTwoOwners) {
@@ -377,6 +390,13 @@ TEST(qvCStringSharing, AllocGrowsABlockWhoseCapacityIsTheLength) {
   EXPECT_EQ("abc", TextOf(theString));
 }
 
+TEST(qvCStringSharing, RoomMadeForTheEmptyStringReadsAsEmpty) {
+  mallopt(M_PERTURB, 0xAA);  // new blocks of this size are full of 0x55
+  qvCString theString;
+  theString.Alloc(100000);
+  EXPECT_EQ("", TextOf(theString));
+}
+
 TEST(qvCStringSharing, AllocMakesABlockForTheEmptyString) {
   qvCString theString;
   theString.Alloc(100);
@@ -429,110 +449,4 @@ TEST(qvCStringSharing, ConcatSelfAppendsTheSmallerOfBothLengths) {
   theString.ConcatSelf(0, "x", 5);
   theString.ConcatSelf(5, "x", 0);
   EXPECT_EQ("abcdefDE", TextOf(theString));
-}
-
-TEST(qvCStringSharing, AWriteBufferIsFilledAndGivenBack) {
-  qvCString theString("old");
-  char* theBuffer = theString.GetWriteBuf(100);
-  EXPECT_EQ(0, CountOf(theString));
-  EXPECT_EQ(0u, theString.length());
-  EXPECT_EQ(theBuffer, theString.mStringPtr);
-  strcpy(theBuffer, "written");
-  theString.UngetWriteBuf();
-  EXPECT_EQ(1, CountOf(theString));
-  EXPECT_EQ("written", TextOf(theString));
-}
-
-TEST(qvCStringSharing, AWriteBufferOfASharedTextIsAFreshOne) {
-  const qvCString theOriginal("abc");
-  qvCString theString(theOriginal);
-  memcpy(theString.GetWriteBuf(3), "xyz", 3);
-  theString.UngetWriteBuf(3);
-  EXPECT_EQ("xyz", TextOf(theString));
-  EXPECT_EQ("abc", TextOf(theOriginal));
-}
-
-TEST(qvCStringSharing, AWriteBufferEndsAtTheLengthGivenBack) {
-  qvCString theString;
-  memcpy(theString.GetWriteBuf(6), "ab\0def", 6);
-  theString.UngetWriteBuf(5);
-  EXPECT_EQ(Bytes("ab\0de"), TextOf(theString));
-}
-
-TEST(qvCStringSharing, AWriteBufferHoldsItsWholeLengthWithoutATerminatorFromTheCaller) {
-  qvCString theString("a text that is longer than the buffer");
-  memset(theString.GetWriteBuf(10), 'x', 10);
-  theString.UngetWriteBuf();
-  EXPECT_EQ("xxxxxxxxxx", TextOf(theString));
-}
-
-TEST(qvCStringSharing, AFreshWriteBufferReadsAsEmpty) {
-  mallopt(M_PERTURB, 0xAA);  // new blocks are full of 0x55
-  qvCString theString;
-  theString.GetWriteBuf(100000);
-  theString.UngetWriteBuf();
-  EXPECT_EQ("", TextOf(theString));
-}
-
-TEST(qvCStringSharing, ASecondWriteBufferFailsAnAssertion) {
-  qvCString theString("abc");
-  theString.GetWriteBuf(3);
-  EXPECT_QV_ASSERTION(theString.GetWriteBuf(3), "mCStringData->mRefCount == 1", "CString");
-  theString.UngetWriteBuf();
-}
-
-TEST(qvCStringSharing, AWriteBufferOfNothingFailsAnAssertion) {
-  qvCString theString("abc");
-  EXPECT_QV_ASSERTION(theString.GetWriteBuf(0), "aLength != 0", "CString");
-}
-
-TEST(qvCStringSharing, CopyingAStringWhoseBufferIsOutFailsAnAssertion) {
-  qvCString theString("abc");
-  theString.GetWriteBuf(3);
-  EXPECT_QV_ASSERTION(qvCString theCopy(theString), "aCString.mCStringData->IsValid()", "CString");
-  theString.UngetWriteBuf();
-}
-
-TEST(qvCStringSharing, AssigningAStringWhoseBufferIsOutFailsAnAssertion) {
-  qvCString theString("abc");
-  qvCString theOther;
-  theString.GetWriteBuf(3);
-  EXPECT_QV_ASSERTION(theOther = theString, "aCString.mCStringData->IsValid()", "CString");
-  const qvCString& theAlias = theString;
-  EXPECT_QV_ASSERTION(theString = theAlias, "aCString.mCStringData->IsValid()", "CString");
-  theString.UngetWriteBuf();
-}
-
-TEST(qvCStringSharing, SearchingForAStringWhoseBufferIsOutFailsAnAssertion) {
-  qvCString theString("abc");
-  const qvCString theOther("abcabc");
-  theString.GetWriteBuf(3);
-  EXPECT_QV_ASSERTION(theOther.Find(theString, 0), "aCString.mCStringData->IsValid()", "CString");
-  EXPECT_QV_ASSERTION(theOther.FindNoCase(theString, 0), "aCString.mCStringData->IsValid()", "CString");
-  theString.UngetWriteBuf();
-}
-
-TEST(qvCStringSharing, GivingBackMoreThanTheRoomFailsAnAssertion) {
-  qvCString theString;
-  theString.GetWriteBuf(5);
-  EXPECT_QV_ASSERTION(theString.UngetWriteBuf(20), "aLength <= mCStringData->mAllocatedLength", "CString");
-  theString.UngetWriteBuf(19);
-}
-
-TEST(qvCStringSharing, GivingBackABufferThatIsNotOutFailsAnAssertionForSharedTexts) {
-  const char* const kText = "mCStringData->mRefCount == 0 || mCStringData->mRefCount == 1";
-  qvCString theEmpty;
-  EXPECT_QV_ASSERTION(theEmpty.UngetWriteBuf(), kText, "CString");
-  qvCString theShared("abc");
-  const qvCString theCopy(theShared);
-  EXPECT_QV_ASSERTION(theShared.UngetWriteBuf(1), kText, "CString");
-  qvCString theWrapped(qvCString::FromStaticString("abc"));
-  EXPECT_QV_ASSERTION(theWrapped.UngetWriteBuf(1), kText, "CString");
-}
-
-TEST(qvCStringSharing, DestroyingAStringWhoseBufferIsOutFreesIt) {
-  ExpectNoHeapGrowth([] {
-    qvCString theString("abc");
-    theString.GetWriteBuf(100);
-  });
 }

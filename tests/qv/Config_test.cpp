@@ -10,8 +10,10 @@
 #include <string>
 #include <type_traits>
 
+#include "qvraTools/qvConfigFileINIBackend.h"
 #include "qvraTools/qvMalloc.h"
 #include "support/ClassLayout.h"
+#include "support/HeapUse.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -82,6 +84,20 @@ TEST(qvConfig, ReadWriteFileBearsAnUnderscore) {
   EXPECT_TRUE(theSettings->Save());
   EXPECT_EQ("[a]\nk=4\n", ReadWholeFile(theSettings.Folder().File("rw/_app.ini")));
   EXPECT_EQ("[a]\nk=1\nro=2\n", ReadWholeFile(theSettings.Folder().File("ro/app.ini")));
+}
+
+TEST(qvConfig, BothFilesBearTheBareNameInTheirFolders) {
+  const qvConfig theConfig(qvCString("/etc/app/"), qvCString("/var/app"), qvCString("sub\\app.ini"));
+  const auto* theFile = reinterpret_cast<const qvConfigFile_INI*>(theConfig.GetConfigFile());
+  EXPECT_STREQ("/etc/app/app.ini", theFile->mROFileName);
+  EXPECT_STREQ("/var/app/_app.ini", theFile->mRWFileName);
+}
+
+TEST(qvConfig, TheDestructorDeletesTheConfigurationFile) {
+  ScratchFolder theFolder;
+  WriteWholeFile(theFolder.File("app.ini"), "[a]\nk=1\n");
+  const qvCString thePath(theFolder.Path().c_str());
+  ExpectNoHeapGrowth([&] { qvConfig theConfig(thePath, thePath, qvCString("app.ini")); });
 }
 
 TEST(qvConfig, BothFilesMayLieInOneFolder) {
@@ -220,6 +236,13 @@ TEST(qvConfig, SubstitutionReplacesVariables) {
   EXPECT_STREQ("Z!", theSettings->GetCStringWithSubstitution("a", "n", qvCString("%x%!"), KnowsX).c_str());
   EXPECT_TRUE(theSettings->GetCStringWithSubstitution("a", "only", qvCString("x"), KnowsX).IsEmpty());
   EXPECT_TRUE(theSettings->GetCStringWithSubstitution("a", "n", qvCString(), nullptr).IsEmpty());
+}
+
+TEST(qvConfig, SubstitutedTextIsTakenOverNotCopied) {
+  Settings theSettings("[a]\nk=%x%\n");
+  EXPECT_EQ(
+      kqvCStringData_AllocatedText,
+      theSettings->GetCStringWithSubstitution("a", "k", qvCString(), KnowsX).mCStringData->mAllocatedLength);
 }
 
 TEST(qvConfig, OptionIsABool) {
