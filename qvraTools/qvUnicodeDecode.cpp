@@ -160,16 +160,16 @@ struct qvUnicode_S_CharWriter {
     // What a byte adds to its character, by its four upper bits; leads of four bytes are 0xF0 here.
     static const uint8 kPayload[16] = {0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F,
                                        0x3F, 0x3F, 0x3F, 0x3F, 0x1F, 0x1F, 0x0F, 0x07};
-    wchar_t* theLast = mNext - 1;
+    wchar_t* theNext = mNext;
     uint32 theChar = 0;
     while (anIn < anEnd) {
       uint32 theByte = *anIn++;
       uint32 thefBegins = qvUnicode_S_Begins(theByte);
       theChar = (theChar << 6 & (thefBegins - 1)) | (theByte & kPayload[theByte >> 4]);
-      theLast += thefBegins;
-      *theLast = static_cast<wchar_t>(theChar);
+      theNext += thefBegins;
+      theNext[-1] = static_cast<wchar_t>(theChar);
     }
-    mNext = theLast + 1;
+    mNext = theNext;
   }
 
   void Put(uint32 aChar) { *mNext++ = static_cast<wchar_t>(aChar); }
