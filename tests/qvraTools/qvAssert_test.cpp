@@ -86,6 +86,21 @@ TEST(qvAssert, TheMessageNamesFileAndLineOfTheFailure) {
   EXPECT_EQ(kLine, FatalLine(theResult.mStderr));
 }
 
+TEST(qvAssert, EachMacroTellsTheLineWhereItStands) {
+  Guarded* theObject = nullptr;
+  const int kFirstLine = __LINE__ + 2;
+  const ChildResult theResults[] = {
+      RunInChild([] { qvAssert(1 > 2); }),
+      RunInChild([] { qvAssertFail("never get here"); }),
+      RunInChild([&] { QVMAGICNUMBER_CHECK(theObject, 0x1234); }),
+  };
+  int theLine = kFirstLine;
+  for (const ChildResult& theResult : theResults) {
+    const std::string theEnd = "' at line '" + std::to_string(theLine++) + "'";
+    EXPECT_NE(std::string::npos, FatalLine(theResult.mStderr).find(theEnd)) << theResult.mStderr;
+  }
+}
+
 TEST(qvAssert, MagicNumberCheckPassesOnALivingObject) {
   Guarded theObject = {0x1234};
   ChildResult theResult = RunInChild([&] { QVMAGICNUMBER_CHECK(&theObject, 0x1234); });
