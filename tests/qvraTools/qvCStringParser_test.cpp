@@ -148,7 +148,10 @@ TEST(qvCStringParserTokenize, DelimiterThatDoesNotFitBeforeTheEndIsText) {
   EXPECT_EQ("<a><>", TakeTokens(qvCStringParser_Tokenize("a--b", 0, 3, "--", 2)));
 }
 
-TEST(qvCStringParserTokenize, EmptyDelimiterIsNeverFound) { EXPECT_EQ("<abc>", Tokenize("abc", "")); }
+TEST(qvCStringParserTokenize, EmptyDelimiterIsNeverFound) {
+  EXPECT_EQ("<abc>", Tokenize("abc", ""));
+  EXPECT_EQ(Bytes("<a\0b>"), Tokenize(Bytes("a\0b"), ""));  // nor where the byte stands that it points to
+}
 
 TEST(qvCStringParserTokenize, ZeroBytesAndHighBytesAreText) {
   EXPECT_EQ(Bytes("<a\0b><\xFF>"), Tokenize(Bytes("a\0b,\xFF"), ","));
@@ -249,6 +252,7 @@ TEST(qvCStringParserQuoted, WithoutQuotesItSplitsLikeTokenize) {
   EXPECT_EQ("<a><b><>", TokenizeQuoted("a,b,", ","));
   EXPECT_EQ("<a><b-c><>", TokenizeQuoted("a--b-c--", "--"));
   EXPECT_EQ("<abc>", TokenizeQuoted("abc", ""));
+  EXPECT_EQ(Bytes("<a\0b>"), TokenizeQuoted(Bytes("a\0b"), ""));
 }
 
 TEST(qvCStringParserQuoted, EscapesMeanNothing) {

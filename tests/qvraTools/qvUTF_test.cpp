@@ -1,6 +1,7 @@
 #include "qvraTools/qvUTF.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <string>
 #include <vector>
@@ -251,6 +252,31 @@ TEST(qvUTFBOM, TextShorterThanTheMarkGivesTheEmptyText) {
 TEST(qvUTFBOM, MarkAloneGivesTheEmptyText) {
   EXPECT_EQ("", Convert(qvUTF_UTF16BOMToUTF8, "\xFE\xFF"));
   EXPECT_EQ("", Convert(qvUTF_UTF16BOMToUTF8, Bytes("\xFF\xFE\x41")));
+}
+
+TEST(qvUTFBlock, HasTheSizeOfTheResultAndItsTerminator) {
+  const struct {
+    Converter mConverter;
+    std::string mBytes;
+    size_t mResultLength;
+    const char* mWhy;
+  } kCases[] = {
+      {qvUTF_ISO88591ToUTF8, std::string(1000, 'a'), 1000, "ASCII does not grow"},
+      {qvUTF_ISO88591ToUTF8, std::string(1000, '\xE9'), 2000, "every byte becomes two"},
+      {qvUTF_UTF8ToISO88591, std::string(1000, '\xC3'), 500, "two bytes become one"},
+      {qvUTF_UTF8ToISO88591, std::string(1000, '\xFF'), 200, "five bytes become one"},
+      {qvUTF_UTF16BEToUTF8, std::string(1000, '\x20'), 1500, "two bytes become three"},
+      {qvUTF_UTF16LEToUTF8, std::string(1000, '\x01'), 1000, "two bytes become two"},
+      {qvUTF_UTF16BOMToUTF8, std::string(1002, '\x20'), 1500, "the mark takes no room"},
+  };
+  for (const auto& theCase : kCases) {
+    char* theResult = theCase.mConverter(theCase.mBytes.data(), theCase.mBytes.size());
+    EXPECT_EQ('\0', theResult[theCase.mResultLength]) << theCase.mWhy;
+    EXPECT_LE(theCase.mResultLength + 1, malloc_usable_size(theResult)) << theCase.mWhy;
+    EXPECT_GT(theCase.mResultLength + 1 + 32, malloc_usable_size(theResult))
+        << theCase.mWhy << ", but for what the allocator rounds up";
+    TakeText(theResult);
+  }
 }
 
 TEST(qvUTFWorker, LeadMarksAreThoseOfSequencesOf0To6Bytes) {
