@@ -10,11 +10,11 @@ QV_BEGIN_DECLS
 typedef void (*qvFatalErrorCallBack)(const char* aReason);
 
 /* Never returns: writes "qvFatalError: " and the reason to standard error and to standard output ("unknown
- * reason" for null), prints a back-trace and calls abort. The reason decides which further arguments are
- * read: "memory:malloc", "memory:realloc", "memory:strdup", "memory:wcsdup": an unsigned long, the size;
- *   "assertat": the expression (const char*), the source file (const char*) and the line (int);
- *   any other: none.
- * Any thread may call it; it takes no lock. */
+ * reason" for null), prints a back-trace and calls abort. Any thread may call it; it takes no lock.
+ * The reason decides which further arguments are read:
+ *   - "memory:malloc", "memory:realloc", "memory:strdup", "memory:wcsdup": an unsigned long, the size
+ *   - "assertat": the expression (const char*), the source file (const char*) and the line (int)
+ *   - any other: none */
 QVLOG_API void qvFatalError(const char* aReason, ...) QV_NORETURN;
 
 /* Registers aCallBack under the name "fatalerror" in the process-wide registry of qvGlobal.h. The registered

@@ -28,18 +28,18 @@ typedef uint32 (*qvPtrListIterateFunction)(qvPtrListNode* aNode, void* aContext)
 
 /* A place in a list. */
 struct qvPtrListNode {
-  void* mData;          /* the item                                        */
-  qvPtrListNode* mNext; /* null at the end                                 */
-  qvPtrListNode* mPrev; /* null at the front                               */
+  void* mData;          /* the item                                         */
+  qvPtrListNode* mNext; /* null at the end                                  */
+  qvPtrListNode* mPrev; /* null at the front                                */
   qvPtrList* mList;     /* the list that holds the node; null when detached */
 };
 
 /* The nodes in their order. */
 struct qvPtrList {
-  size_t mCount;               /* nodes                           */
-  qvPtrListNode* mFirstNode;   /* null when the list is empty        */
-  qvPtrListNode* mLastNode;    /* null when the list is empty        */
-  qvPtrListFreeFunc mFreeFunc; /* null: the items are not owned    */
+  size_t mCount;               /* nodes                         */
+  qvPtrListNode* mFirstNode;   /* null when the list is empty   */
+  qvPtrListNode* mLastNode;    /* null when the list is empty   */
+  qvPtrListFreeFunc mFreeFunc; /* null: the items are not owned */
 };
 
 /* An empty list without a free function. Release it with qvPtrList_Delete. */
