@@ -365,6 +365,11 @@ TEST(qvUTFTexts, WideBecomesUTF8InRoomOfAnySize) {
   }
 }
 
+TEST(qvUTFTexts, LongWideTextMayConsistOfTheLongestForms) {
+  CheckFromWide(Chars(5000, 0x7FFFFFFF), 6 * 5000 + 1);
+  CheckFromWide(Chars(5000, 0x7FFFFFFF), 6 * 5000 - 1);
+}
+
 TEST(qvUTFTexts, RoomMayBeEndless) {
   wchar_t theWide[4];
   EXPECT_EQ(3u, qvUnicode_UTF8ToWide(theWide, "abc", static_cast<size_t>(-1)));

@@ -58,6 +58,8 @@ const Sequence kMalformed[] = {
     {"\xFC\x83\xBF\xBF\xBF\xBF", 6, 0, "the last overlong form of 6 bytes"},
     {"\xFE\x82\x80\x80\x80\x80\x80", 7, 0, "0xFE is no lead, although 7 bytes are written with it"},
     {"\xFF\x80\x80\x80\x80\x80\x80", 7, 0, "0xFF is no lead"},
+    {"\xFE\xBF\xBF\xBF\xBF\xBF", 6, 0, "nor is 0xFE a lead of 6 bytes"},
+    {"\xFF\xBF\xBF\xBF\xBF\xBF", 6, 0, "nor is 0xFF"},
 };
 
 size_t CountWide(const char* aText) { return qvUnicode_UTF8ToWide(nullptr, aText, 0); }
@@ -342,7 +344,7 @@ TEST(qvUnicodeWide, WritingStoresTheUnitWhenThereIsRoom) {
   wchar_t theWide[2] = {L'#', L'#'};
   EXPECT_EQ(1u, qvUnicode_WriteWideChar(theWide, 0, 0x1F600));
   EXPECT_EQ(L'#', theWide[0]);
-  EXPECT_EQ(1u, qvUnicode_WriteWideChar(theWide, 2, 0x1F600));
+  EXPECT_EQ(1u, qvUnicode_WriteWideChar(theWide, 1, 0x1F600));
   EXPECT_EQ(static_cast<wchar_t>(0x1F600), theWide[0]);
   EXPECT_EQ(L'#', theWide[1]);
   EXPECT_EQ(1u, qvUnicode_WriteWideChar(nullptr, 0, 'a'));

@@ -1,6 +1,7 @@
 #include "qvraTools/qvWString.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <signal.h>
 #include <stdint.h>
 
@@ -97,6 +98,15 @@ TEST(qvWStringAlloc, NullMakesANewEmptyString) {
   qvWString_Free(theString);
 }
 
+TEST(qvWStringAlloc, BlockHoldsTwoWordsTheCharactersAndATerminator) {
+  StringTest theString(L"");
+  theString.Alloc(1000);
+  void* theBlock = reinterpret_cast<size_t*>(static_cast<wchar_t*>(theString)) - 2;
+  EXPECT_LE(2 * sizeof(size_t) + 4004, malloc_usable_size(theBlock));
+  EXPECT_GT(2 * sizeof(size_t) + 4004 + 32, malloc_usable_size(theBlock))
+      << "but for what the allocator rounds up";
+}
+
 TEST(qvWStringAlloc, GrowingKeepsTextAndLength) {
   StringTest theString(L"abc");
   theString.Alloc(1000);
@@ -167,6 +177,13 @@ TEST(qvWStringAppend, UsesTheCapacityThatIsThere) {
   theString.Append(L"xyz");
   EXPECT_EQ(theOldPlace, static_cast<wchar_t*>(theString));
   ExpectString(L"abcxyz", 6, theString);
+}
+
+TEST(qvWStringAppend, CapacityBeyondTheNewLengthStays) {
+  StringTest theString(L"abcdef");
+  qvWString_Truncate(theString, 3);
+  theString.Append(L"x");
+  ExpectString(L"abcx", 6, theString);
 }
 
 TEST(qvWStringAppend, OneCharacterBeyondTheCapacityGrows) {
