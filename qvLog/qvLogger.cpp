@@ -36,6 +36,8 @@ void qvLogger::AddLogger(qvLogger* aLogger) {
   UnlockFramework();
 }
 
+// KEEP qvLogKept.RemovingALoggerLeavesTheGateWhereItIs
+// The process-wide gate follows thresholds that are set, not loggers that go.
 void qvLogger::RemoveLogger(qvLogger* aLogger) {
   LockFramework();
   qvLogger** theLink = &sHead;

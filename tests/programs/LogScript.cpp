@@ -15,6 +15,7 @@
 //   modules-off                     makes every module without a setting silent
 //   probe                           makes a logger "Probe" outside the chain
 //   probe-without-config            makes one with that option
+//   probe-with-other-options        makes one with all options but that
 //   get-level DEFAULT               prints the probe's threshold
 //   get-int KEY DEFAULT             prints a setting of the probe; get-text KEY DEFAULT likewise
 //   file-name                       prints the name of the configuration file
@@ -184,9 +185,14 @@ static bool RunFileOperation(const std::string& aName) {
 }
 
 static bool RunConfigOperation(const std::string& aName) {
-  if (aName == "probe" || aName == "probe-without-config") {
+  if (aName == "probe") {
     sProbe = new ProbeLogger;
-    sProbe->SetOptions(aName == "probe" ? 0 : qvLogger::OPT_NO_CONFIG);
+  } else if (aName == "probe-without-config") {
+    sProbe = new ProbeLogger;
+    sProbe->SetOptions(qvLogger::OPT_NO_CONFIG);
+  } else if (aName == "probe-with-other-options") {
+    sProbe = new ProbeLogger;
+    sProbe->SetOptions(~static_cast<uint32>(qvLogger::OPT_NO_CONFIG));
   } else if (aName == "get-level") {
     printf("%d\n", sProbe->GetConfigLevel(Next()));
   } else if (aName == "get-int") {

@@ -210,6 +210,12 @@ TEST_F(LogDuration, FormattedTextIsCutTo255Bytes) {
   qvFree(theText);
 }
 
+TEST_F(LogDuration, FormattedTextMayBeEmpty) {
+  char* theText = qvLogDuration::qvLogDuration_F("%s", "");
+  EXPECT_STREQ("", theText);
+  qvFree(theText);
+}
+
 TEST_F(LogDuration, WrongFormatGivesQuestionMarks) {
   const char* theFormat = "%d %";  // not a literal: the compiler would refuse it
   char* theText = qvLogDuration::qvLogDuration_F(theFormat, 1);

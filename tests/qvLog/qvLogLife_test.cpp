@@ -1,5 +1,6 @@
 // How the framework starts and ends: qvLog/qvLog.cpp.
 
+#include <errno.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -68,6 +69,25 @@ TEST(qvLogLife, EachOfTheFirstCallsInitialises) {
       theCase.mCall();
       EXPECT_TRUE(IsInitialised());
       EXPECT_EQ(qvLogger::NeverLog() ? 0 : 1, _gfqvLog_gDataInitialized) << "the first logger sets it";
+    });
+  }
+}
+
+TEST(qvLogLife, CallsThatStartOrEndTheFrameworkLeaveErrnoAlone) {
+  struct {
+    const char* mWhat;
+    void (*mCall)();
+  } kCalls[] = {
+      {"qvLog_Init", [] { qvLog_Init(); }},
+      {"qvLog_SetLogFunc", [] { qvLog_SetLogFunc(2, IgnoreMessage, nullptr); }},
+      {"qvLog_Term", [] { qvLog_Term(); }},
+  };
+  for (const auto& theCase : kCalls) {
+    SCOPED_TRACE(theCase.mWhat);
+    IN_FRESH_PROCESS({
+      errno = 77;
+      theCase.mCall();
+      EXPECT_EQ(77, errno);
     });
   }
 }

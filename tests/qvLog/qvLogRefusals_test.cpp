@@ -132,6 +132,32 @@ TEST_F(qvLogRefusals, ACallbackThatIsRegisteredEndsThem) {
   EXPECT_TRUE(LogText(3, kActiveModule, "x"));
 }
 
+// A callback holds the framework lock already, and nothing is forgotten at the end of a message.
+TEST_F(qvLogRefusals, AThresholdThatACallbackRaisesEndsThem) {
+  FileThreshold(3);
+  qvLog_SetLogFunc(
+      2, [](void*, const qvLogData*, const char*, size_t) { qvFileLogger::sInstance->ChangeLevel(4); },
+      nullptr);
+  RecordingLogger(65535);  // leaves the gate open
+  ASSERT_FALSE(LogText(3, kActiveModule, "x"));
+  ASSERT_TRUE(LogText(1, kActiveModule, "x\n"));
+  EXPECT_TRUE(LogText(3, kActiveModule, "x\n"));
+}
+
+TEST_F(qvLogRefusals, AReloadOfOneLoggerInACallbackEndsThem) {
+  qvLog_SetLogFunc(
+      2,
+      [](void*, const qvLogData*, const char*, size_t) {
+        qvFileLogger::sInstance->ReloadConfig();
+        qvFileLogger::sInstance->mModulesInfo[kSilentModule] =
+            qvLogger::MODULE_SEEN | qvLogger::MODULE_ACTIVE;
+      },
+      nullptr);
+  ASSERT_FALSE(LogText(3, kSilentModule, "x"));
+  ASSERT_TRUE(LogText(1, kActiveModule, "x\n"));
+  EXPECT_TRUE(LogText(3, kSilentModule, "x\n"));
+}
+
 TEST_F(qvLogRefusals, AFrameworkThatEndedIsInitialisedByTheNextMessage) {
   ASSERT_FALSE(LogText(3, kSilentModule, "x"));
   qvLog_Term();

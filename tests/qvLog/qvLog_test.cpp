@@ -109,13 +109,21 @@ TEST(qvLog, TheIdsOfProcessAndThreadAreThereWhenTheMessageBegins) {
   qvLog_End(theData);
 }
 
+TEST(qvLog, TheEndOfAMessageNeedsNoRecord) {
+  RecordingLogger theLogger(2);
+  ASSERT_NE(nullptr, qvLog_Begin(1, 0));
+  qvLog_Append_F("%s", "x");
+  qvLog_End(nullptr);
+  EXPECT_THAT(theLogger.mMessages, ElementsAre("x"));
+}
+
 TEST(qvLog, AMessageThatNoLoggerTakesIsDropped) {
   RecordingLogger theLogger(2);
   theLogger.mfTakes = false;
   EXPECT_EQ(nullptr, qvLog_Begin(1, 0));
   EXPECT_EQ(1, theLogger.mBegins);
   theLogger.mfTakes = true;
-  EXPECT_TRUE(LogText(1, 0, "x")) << "the lock was given back";
+  std::thread([] { EXPECT_TRUE(LogText(1, 0, "x")) << "the lock was given back"; }).join();
 }
 
 TEST(qvLog, AMessageAtOrAboveTheGateReachesNoLogger) {
@@ -149,7 +157,7 @@ TEST(qvLog, WillLogAnswersForLevelAndModule) {
   EXPECT_EQ(1, qvLog_WillLog(2, 0));
   EXPECT_EQ(0, qvLog_WillLog(1, 4));
   EXPECT_EQ(1, qvLog_WillLog(1, 600));
-  EXPECT_TRUE(LogText(1, 0, "x")) << "the lock was given back";
+  std::thread([] { EXPECT_TRUE(LogText(1, 0, "x")) << "the lock was given back"; }).join();
 }
 
 TEST(qvLogKept, WillLogTakesALevelThatEqualsAThreshold) {
@@ -229,7 +237,11 @@ TEST(qvLogKept, AFrameworkOperationInsideALoggersOutputEndsTheProtectionAgainstN
 }
 
 TEST(qvLog, LoggingLeavesErrnoAlone) {
-  RecordingLogger theLogger(3);
+  struct SpoilingLogger : RecordingLogger {
+    SpoilingLogger() : RecordingLogger(3) {}
+    void EndLog(qvLogDataEx*) override { errno = ENOSPC; }
+  };
+  SpoilingLogger theLogger;
   theLogger.mOnAppend = [] { errno = ENOSPC; };
   theLogger.mfWritesPrefix = true;
   errno = 77;
@@ -241,7 +253,10 @@ TEST(qvLog, LoggingLeavesErrnoAlone) {
   qvLog_Append_B("x", 1);
   qvLog_Append_U(L"x", 1);
   EXPECT_EQ(77, errno);
+  AppendList("%d", 1);
+  EXPECT_EQ(77, errno);
   qvLog_End(theData);
+  EXPECT_EQ(77, errno);
   qvLog_WillLog(1, 1);
   qvLog_ReloadConfig();
   EXPECT_EQ(77, errno);

@@ -383,6 +383,12 @@ TEST(qvLoggerConfig, ALoggerWithoutConfigurationTakesItsDefaultsAndWritesNothing
   EXPECT_THAT(theProgram.Populated(), Not(HasSubstr("probe")));
 }
 
+TEST(qvLoggerConfig, OtherOptionsOfALoggerLeaveItItsConfiguration) {
+  LogProgram theProgram;
+  theProgram.Configure("[probe]\nkey=12\n");
+  EXPECT_EQ("12\n", theProgram.Run({"reload", "probe-with-other-options", "get-int", "key", "5"}).mStdout);
+}
+
 // The bootstrap file is looked at as well, and the directories that it names are made, with every read.
 TEST(qvLoggerConfig, ALoggerWithoutConfigurationTouchesNoFile) {
   struct {

@@ -105,13 +105,26 @@ TEST(qvMainLogger, EveryOperationReachesEveryLoggerThatTakesTheMessageInChainOrd
   EXPECT_EQ("b3 b1 f3 f1 e3 e1 ", sOrder);
 }
 
-TEST(qvMainLogger, ALoggerWhoseModuleIsSilentIsLeftOut) {
+TEST(qvMainLogger, ALoggerThatIsClosedOrSilentForTheModuleIsLeftOutOfEveryOperation) {
+  CallNotingLogger theOldest(2);
   CallNotingLogger theSilent(2);
-  CallNotingLogger theTaking(2);
+  CallNotingLogger theClosed(1);
+  CallNotingLogger theNewest(2);
   theSilent.mInactiveModules = {9};
-  LogText(1, 9, "x");
-  EXPECT_TRUE(theSilent.mCalls.empty());
-  EXPECT_THAT(theTaking.mCalls, ElementsAre("BeginLog", "Append_VF %s", "EndLog"));
+  qvLogData* theData = qvLog_Begin(1, 9);
+  qvLog_Append_F("f%d", 1);
+  qvLog_Append_FML("fml%d", 1);
+  qvLog_Append_FN("fn%d", 1);
+  qvLog_Append_B("bytes", 5);
+  qvLog_Append_U(L"wide", 4);
+  qvLog_End(theData);
+  EXPECT_THAT(theSilent.mCalls, ElementsAre());
+  EXPECT_THAT(theClosed.mCalls, ElementsAre());
+  for (CallNotingLogger* theLogger : {&theOldest, &theNewest}) {
+    EXPECT_THAT(theLogger->mCalls,
+                ElementsAre("BeginLog", "Append_VF f%d", "Append_VFML fml%d", "Append_VF fn%d", "Append_F \n",
+                            "Append_B bytes", "Append_U wide", "EndLog"));
+  }
 }
 
 TEST(qvMainLogger, ALoggerBelowItsThresholdIsNotAskedForTheModuleOfAMessage) {
@@ -245,12 +258,34 @@ TEST(qvMainLogger, LoweringAThresholdBelowTheOthersKeepsTheGate) {
   EXPECT_EQ(6, _qvLog_Level);
 }
 
-TEST(qvMainLogger, RemovingALoggerLeavesTheGateWhereItIs) {
+TEST(qvMainLogger, AThresholdThatEqualsTheGateLeavesItAlone) {
+  RecordingLogger theFirst(2);
+  qvLogger::LockFramework();
+  theFirst.mLevel = 9;
+  qvLogger::UnlockFramework();
+  RecordingLogger theSecond(2);
+  EXPECT_EQ(2, _qvLog_Level);
+}
+
+TEST(qvMainLogger, AThresholdOutsideTheChainMovesTheGateToo) {
+  RecordingLogger theFirst(2);
+  RecordingLogger theStranger(6, false);
+  EXPECT_EQ(6, _qvLog_Level);
+  theStranger.Threshold(4);
+  EXPECT_EQ(4, _qvLog_Level);
+  theStranger.Threshold(1);
+  EXPECT_EQ(2, _qvLog_Level);
+}
+
+TEST(qvLogKept, RemovingALoggerLeavesTheGateWhereItIs) {
   RecordingLogger* theFirst = new RecordingLogger(2);
   RecordingLogger theSecond(4);
   theSecond.Threshold(1);
+  EXPECT_EQ(2, _qvLog_Level) << "a threshold lowers it";
   delete theFirst;
-  EXPECT_EQ(2, _qvLog_Level);
+  EXPECT_EQ(2, _qvLog_Level) << "a logger that goes does not";
+  theSecond.Threshold(0);
+  EXPECT_EQ(0, _qvLog_Level) << "until the next threshold does";
 }
 
 TEST(qvMainLogger, TheDestructorFreesTheBufferButKeepsItsSize) {
@@ -261,6 +296,25 @@ TEST(qvMainLogger, TheDestructorFreesTheBufferButKeepsItsSize) {
   EXPECT_EQ(nullptr, _qvLog_gData.mFormatted);
   EXPECT_EQ(0, _gfqvLog_gDataInitialized);
   EXPECT_EQ(1024, _qvLog_gData.mSizeofFormatted);
+}
+
+TEST(qvMainLogger, TheDestructorLeavesABufferAloneThatIsNotInitialised) {
+  RecordingLogger theLogger(2);
+  char* theBuffer = _qvLog_gData.mFormatted;
+  ASSERT_NE(nullptr, theBuffer);
+  _gfqvLog_gDataInitialized = 0;
+  delete new qvMainLogger;
+  EXPECT_EQ(theBuffer, _qvLog_gData.mFormatted);
+  _gfqvLog_gDataInitialized = 1;
+}
+
+TEST(qvMainLogger, WithoutABufferTheDestructorLeavesItInitialised) {
+  RecordingLogger theLogger(2);
+  char* theBuffer = _qvLog_gData.mFormatted;
+  _qvLog_gData.mFormatted = nullptr;
+  delete new qvMainLogger;
+  EXPECT_EQ(1, _gfqvLog_gDataInitialized);
+  _qvLog_gData.mFormatted = theBuffer;
 }
 
 TEST(qvMainLogger, ALoggerMayLeaveTheChainWhileItIsCalled) {
