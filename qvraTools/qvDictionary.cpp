@@ -159,16 +159,17 @@ static size_t qvDictionary_S_FirstFreeSlot(IndexedDictionary* aDictionary) {
 
 static void qvDictionary_S_FillSlot(IndexedDictionary* aDictionary, size_t aSlot, const qvDictionaryKey* aKey,
                                     const char* aValue, size_t aValueLength) {
+  qvDictionaryEntry theNew;
+  qvDictionary_S_MakeTexts(&theNew, aKey->mText, aKey->mLength, aValue, aValueLength);
+  theNew.mHash = aKey->mHash;
   qvDictionaryEntry* theEntry = &aDictionary->mEntries[aSlot];
-  qvDictionaryEntry theOld = *theEntry;
-  qvDictionary_S_MakeTexts(theEntry, aKey->mText, aKey->mLength, aValue, aValueLength);
   if (aSlot < aDictionary->mMadeCount) {
     // Only now: aValue may lie in the slot, if that is one of the empty key.
-    qvDictionary_S_FreeTexts(&theOld);
+    qvDictionary_S_FreeTexts(theEntry);
   } else {
     aDictionary->mMadeCount++;
   }
-  theEntry->mHash = aKey->mHash;
+  *theEntry = theNew;
 }
 
 // Finds a slot for a key that is in none, and counts it in.
