@@ -16,8 +16,9 @@
  * an unquoted value ends at the first ';' or '#'. A value in double or single quotes may hold anything but
  * that quote; a backslash in it makes the next character literal. A line without '=' is a key with the empty
  * value. A UTF-8 byte order mark at the start is skipped. What does not survive a save: line breaks in
- * values, white space other than blanks at their ends, and a section whose name holds '/', which is neither
- * counted nor named. */
+ * values, white space other than blanks at their ends, a section whose name holds '/', which is neither
+ * counted nor named, and keys of the default section when another section was written before it, as can be in
+ * a dictionary that nothing was loaded into: they follow that section's keys and load as such. */
 #ifndef QVRATOOLS_QVINIFILE_H
 #define QVRATOOLS_QVINIFILE_H
 
@@ -103,7 +104,8 @@ QVLOG_API int qvINIFile_DeleteSection(qvDictionary* aDictionary, const char* aSe
 
 /* Adds what a file holds to the dictionary; keys that are there already take the file's value. A relative
  * name is taken relative to the directory of the running executable. Returns 1, or 0 when the file cannot be
- * opened or read. A line of 128 bytes or more that is neither header nor assignment fails an assertion. */
+ * opened or read; an error while reading leaves the dictionary as it was. A line of 128 bytes or more that is
+ * no header, assignment or comment fails an assertion; a line of more than 1023 bytes counts as several. */
 QVLOG_API int qvINIFile_LoadINIFile(const char* aFileName, qvDictionary* aDictionary);
 
 /* The same from aBufferSize bytes of memory, which need no terminator and may be null when aBufferSize is 0;

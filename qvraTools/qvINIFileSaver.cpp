@@ -81,6 +81,8 @@ static size_t* qvINIFile_S_NewLinks(const qvDictionary* aDictionary) {
 static void qvINIFile_S_AppendHeader(SavedText* aText, const char* theSectionName) {
   qvAssert(strlen(theSectionName) < kqvINIFile_HashTableKeyMaxLength);
   if (strcmp(theSectionName, kqvINIFile_DefaultSectionName) == 0) {
+    // KEEP qvINIFileKept.KeysOfALaterDefaultSectionAreSavedUnderTheHeaderBefore
+    // A header "[]" would lead the loader back to this section, but it has none, wherever it stands.
     return;
   }
   char theLine[kqvINIFile_MaxLineLength];

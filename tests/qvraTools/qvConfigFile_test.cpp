@@ -139,6 +139,14 @@ TEST(qvConfigFileKept, ReadingAKeyAddsItsSectionToTheReadWriteLayer) {
   EXPECT_EQ("[s]\n\n[i]\n\n[u]\n\n[b]\n", theLayers.SavedText());
 }
 
+TEST(qvConfigFile, ReadOnlyLayerIsAskedOnlyForKeysThatTheOtherLacks) {
+  Layers theLayers("", "[a]\nk=1\n");
+  EXPECT_EQ("1", theLayers.GetString("a", "k"));
+  EXPECT_EQ(1u, qvConfigFile_GetSectionCount(theLayers.Get(), 1));
+  EXPECT_EQ("(default)", theLayers.GetString("a", "none"));
+  EXPECT_STREQ("a", qvConfigFile_GetSectionName(theLayers.Get(), 1, 1)) << "a layer that is asked has it";
+}
+
 TEST(qvConfigFile, SettingsAreKeptByASave) {
   Layers theLayers("", "");
   EXPECT_EQ(1, qvConfigFile_SetString(theLayers.Get(), "Net", "Host", "my box"));
@@ -338,6 +346,12 @@ TEST(qvConfigFile, SubstitutionReplacesVariablesOfTheValueOrTheDefault) {
             TakeText(qvConfigFile_GetStringWithSubstitution(theLayers.Get(), "a", "l", "%x%!", KnowsX)));
   EXPECT_EQ(nullptr, qvConfigFile_GetStringWithSubstitution(theLayers.Get(), "a", "l", nullptr, KnowsX));
   EXPECT_EQ("%", TakeText(qvConfigFile_GetStringWithSubstitution(theLayers.Get(), "a", "l", "%%", nullptr)));
+}
+
+TEST(qvConfigFile, SubstitutionDoesNotLookIntoReplacements) {
+  setenv("QVTEST_SET", "<%x%>", 1);
+  Layers theLayers("[a]\nk=%env.QVTEST_SET%\n", "");
+  EXPECT_EQ("<%x%>", TakeText(qvConfigFile_GetStringWithSubstitution(theLayers.Get(), "a", "k", "", KnowsX)));
 }
 
 TEST(qvConfigFile, NullConfigurationFileGivesDefaultsAndZeros) {

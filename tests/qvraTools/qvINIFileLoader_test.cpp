@@ -1,9 +1,11 @@
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <cstddef>
 #include <string>
 
+#include "interposed/PlannedCalls.h"
 #include "qvraTools/qvINIFile.h"
 #include "qvraTools/qvINIFile_p.h"
 #include "support/ChildProcess.h"
@@ -122,6 +124,10 @@ TEST(qvINIFileLoader, LineWithoutEqualSignIsAKeyWithTheEmptyValue) {
   EXPECT_EQ("default=|default/two words ; and more=", LoadedContent("  Two Words ; and more "));
 }
 
+TEST(qvINIFileLoader, LineWithoutEqualSignEmptiesAnEarlierValue) {
+  EXPECT_EQ("default=|default/a=|default/b=2", LoadedContent("a=1\nb=2\nA\n"));
+}
+
 TEST(qvINIFileLoader, CommentLinesAndEmptyLinesAreSkipped) {
   EXPECT_EQ("default=|default/k=v", LoadedContent("; a=1\n#b=2\n\n   \n\t; c=3\n  # [d]\nk=v\n"));
 }
@@ -145,6 +151,14 @@ TEST(qvINIFileLoader, HeadersStartSections) {
       {"]s[", "default=|default/]s[=", "brackets the wrong way round"},
   };
   ExpectLoaded(kCases);
+}
+
+TEST(qvINIFileLoader, HeaderEmptiesTheEntryOfItsSection) {
+  ScratchDictionary theDictionary;
+  theDictionary.Write("default", "text");
+  theDictionary.Write("s", "text");
+  theDictionary.Load("[S]\n");
+  EXPECT_EQ("default=|s=", theDictionary.Content());
 }
 
 TEST(qvINIFileLoader, RepeatedKeyTakesTheLaterValueAtItsFirstPlace) {
@@ -302,6 +316,24 @@ TEST(qvINIFileLoader, FolderInsteadOfAFileReturns0) {
   ScratchFolder theFolder;
   ScratchDictionary theDictionary;
   EXPECT_EQ(0, qvINIFile_LoadINIFile(theFolder.Path().c_str(), theDictionary.Get()));
+  EXPECT_EQ("", theDictionary.Content());
+}
+
+TEST(qvINIFileLoader, ReadThatFailsHalfwayReturns0AndLeavesTheDictionary) {
+  ScratchFolder theFolder;
+  WriteWholeFile(theFolder.File("a.ini"), "a=1\n;" + std::string(500, '-'));
+  ScratchDictionary theDictionary;
+  CallPlan thePlan;
+  thePlan.mfLooksCount = true;
+  thePlan.mErrno = EIO;
+  thePlan.mFailFrom = 3;
+  thePlan.mFailCount = 1;
+  int theResult = -1;
+  EXPECT_EQ("open read read read close", RunPlanned(thePlan, [&] {
+                                           theResult = qvINIFile_LoadINIFile(theFolder.File("a.ini").c_str(),
+                                                                             theDictionary.Get());
+                                         }).Calls());
+  EXPECT_EQ(0, theResult);
   EXPECT_EQ("", theDictionary.Content());
 }
 

@@ -72,11 +72,14 @@ TEST(qvINIFileSaver, KeysAreGroupedBySectionInTheOrderOfTheDictionary) {
   EXPECT_EQ("c=3\n\n[b]\nz=1\na=4\n\n[a]\ny=2\n", Resaved("[b]\nz=1\n[a]\ny=2\n[]\nc=3\n[b]\na=4\n"));
 }
 
-TEST(qvINIFileSaver, DefaultSectionThatComesLaterHasNoHeader) {
+TEST(qvINIFileKept, KeysOfALaterDefaultSectionAreSavedUnderTheHeaderBefore) {
   ScratchDictionary theDictionary;
   qvINIFile_WriteKeyAsString(theDictionary.Get(), "s", "a", "1");
   qvINIFile_WriteKeyAsString(theDictionary.Get(), nullptr, "b", "2");
   EXPECT_EQ("[s]\na=1\nb=2\n", SavedText(theDictionary));
+  EXPECT_EQ("default=|s=|s/a=1|s/b=2", LoadedContent(SavedText(theDictionary)));
+  // A loaded file has the default section first.
+  EXPECT_EQ("b=2\n\n[s]\na=1\n", Resaved("[s]\na=1\n[]\nb=2\n"));
 }
 
 TEST(qvINIFileSaver, ValuesAreQuotedWhenTheyMustBe) {
@@ -132,6 +135,10 @@ TEST(qvINIFileSaver, LineBehindACutLineLoadsAgain) {
   EXPECT_EQ("k=" + theValue + "l=1\n\n[s]\nm=2\n", SavedText(theDictionary));
   EXPECT_EQ("default=|default/k=" + theValue + "|default/l=1|s=|s/m=2",
             LoadedContent(SavedText(theDictionary)));
+}
+
+TEST(qvINIFileSaver, KeyWithASeparatorInItsNameIsSaved) {
+  EXPECT_EQ("[net]\na/b/c=1\n", Resaved("[net]\na/b/c=1\n"));
 }
 
 TEST(qvINIFileSaver, KeysOfASectionWithASeparatorAreSavedUnderTheFirstPart) {
