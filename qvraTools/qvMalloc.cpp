@@ -117,6 +117,8 @@ char* qvStrnstr(const char* aStr, const char* aNeedle, size_t aMaxStrlen) {
 
 wchar_t* qvWcsdup(const wchar_t* aStr) { return aStr != NULL ? qvWcsndup(aStr, wcslen(aStr)) : NULL; }
 
+// KEEP qvMallocKept.WcsndupLooksForNoTerminator
+// Against its name and unlike qvStrndup: the length is not a limit but says how many characters there are.
 wchar_t* qvWcsndup(const wchar_t* aStr, size_t aStrLen) {
   if (aStr == NULL) {
     qvAssert(aStrLen == 0);

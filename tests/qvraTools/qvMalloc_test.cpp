@@ -377,10 +377,12 @@ TEST(qvMalloc, WcsndupCopiesExactlyTheGivenLengthAndTerminates) {
   EXPECT_EQ(L"", TakenWide(qvWcsndup(L"abcdef", 0)));
 }
 
-TEST(qvMalloc, WcsndupLooksForNoTerminator) {
+TEST(qvMallocKept, WcsndupLooksForNoTerminator) {
   wchar_t* theCopy = qvWcsndup(L"ab\0cd", 5);
   EXPECT_EQ(std::wstring(L"ab\0cd\0", 6), std::wstring(theCopy, 6));
   qvFree(theCopy);
+  EXPECT_EQ(L"ab", TakenWide(qvWcsdup(L"ab\0cd")));  // the neighbours stop there
+  EXPECT_EQ("ab", Taken(qvStrndup("ab\0cd", 5)));
 }
 
 TEST(qvMalloc, WcsndupOfNullAndZeroGivesNull) { EXPECT_EQ(nullptr, qvWcsndup(nullptr, 0)); }
