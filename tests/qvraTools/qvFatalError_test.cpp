@@ -102,6 +102,14 @@ TEST_F(qvFatalErrorTest, TextThatWaitsInABufferIsNotLost) {
   EXPECT_EQ("qvFatalError: late", FatalLine(theResult.mStderr));
 }
 
+TEST_F(qvFatalErrorTest, TheMessageIsOutBeforeTheBackTraceBegins) {
+  gBackTrace.mHook = [] { raise(SIGKILL); };
+  ChildResult theResult = RunInChild([] { qvFatalError("told in time"); });
+  EXPECT_EQ(SIGKILL, theResult.mSignal);
+  EXPECT_EQ("qvFatalError: told in time", FatalLine(theResult.mStdout));
+  EXPECT_EQ("qvFatalError: told in time", FatalLine(theResult.mStderr));
+}
+
 TEST_F(qvFatalErrorTest, AnyThreadMayEndTheProcess) {
   ExpectFatalLine([] { std::thread([] { qvFatalError("from a thread"); }).join(); },
                   "qvFatalError: from a thread");
