@@ -4,6 +4,7 @@
 // clang-format off
 //   log LEVEL MODULE TEXT           one message
 //   begin, append TEXT, end         a message of level 1 and module 0 in pieces
+//   takes                           prints whether such a message is taken
 //   will LEVEL MODULE               prints the answer
 //   gate                            prints the process-wide gate
 //   threshold NAME                  prints a logger's threshold, "none" when it is not in the chain
@@ -220,6 +221,12 @@ static bool RunLogOperation(const std::string& aName) {
     qvLog_Append_F("%s", Next());
   } else if (aName == "end") {
     qvLog_End(sData);
+  } else if (aName == "takes") {
+    sData = qvLog_Begin(1, 0);
+    printf("%d\n", sData != NULL);
+    if (sData != NULL) {
+      qvLog_End(sData);
+    }
   } else if (aName == "print") {
     printf("%s", Next());
   } else if (aName == "will") {

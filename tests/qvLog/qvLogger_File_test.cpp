@@ -370,6 +370,12 @@ TEST_F(qvFileLoggerTest, AFileThatCannotBeOpenedIsReportedForEveryMessageUntilIt
   EXPECT_THAT(theProgram.Read("logs/out.txt"), MatchesRegex(Lines({"three"})));
 }
 
+TEST_F(qvFileLoggerTest, AMessageIsNotTakenWhileTheFileCannotBeOpened) {
+  LogProgram theProgram;
+  theProgram.Configure("[file]\nlevel=all\nfile=logs/out.txt\n");
+  EXPECT_EQ("0\n1\n", theProgram.Run({"takes", "make-folder", "logs", "takes"}).mStdout);
+}
+
 TEST_F(qvFileLoggerTest, AfterAWriteErrorTheNextMessageStartsTheFileAnew) {
   LogProgram theProgram;
   theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\nfile=out.txt\n");

@@ -61,7 +61,7 @@ TEST_F(qvLogdLoggerTarget, ATargetIsHostAndPortWithDefaults) {
       {"127.0.0.1:9000x", "none", "no port"},
       {":9000", "none", "no host"},
       {":", "none", "no host"},
-      {"::1:9000", "none", "the last colon counts, and the host is no IPv4 address"},
+      {"1::2:9000", "none", "the last colon counts, and the host is no IPv4 address"},
   };
   qvLogdLogger theLogger(false);
   for (const auto& theCase : kCases) {
