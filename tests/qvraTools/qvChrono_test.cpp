@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <stddef.h>
+#include <string.h>
 
+#include "qvraTools/qvMalloc.h"
 #include "qvraTools/qvTime.h"
 #include "support/TwoWords.h"
 
@@ -51,6 +53,10 @@ TEST(qvChrono, AnInitialisedWatchRunsSinceTheClocksZero) {
 }
 
 TEST(qvChrono, ANewWatchIsInitialised) {
+  void* theUsed =
+      qvMalloc(sizeof(qvChrono));  // most likely what the watch is made of, and not zero by itself
+  memset(theUsed, 0xFF, sizeof(qvChrono));
+  qvFree(theUsed);
   qvChrono* theChrono = qvChrono_New();
   EXPECT_EQ(0u, Native(theChrono->mStartTime));
   EXPECT_EQ(0, theChrono->mfPaused);
