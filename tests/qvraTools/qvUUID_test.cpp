@@ -24,10 +24,11 @@ extern "C" uint32 __wrap_qvThread_GetPID(void) {
 namespace {
 
 std::string Text(const uint8* anUUID) {
-  char theText[37];
+  char theText[38];
   memset(theText, 'x', sizeof(theText));
   qvUUID_Print(anUUID, theText);
   EXPECT_EQ('\0', theText[36]);
+  EXPECT_EQ('x', theText[37]) << "37 bytes are written";
   return theText;
 }
 
@@ -263,6 +264,15 @@ TEST(qvUUIDClock, TheFirstSequenceIsTwoRandomBytesAsTheyLieInMemory) {
     qvUUID_S_AdvanceClock(&theClock, &kNow);
     EXPECT_EQ(theBytes[0], theClock.mSequence & 0xFF);
     EXPECT_EQ(theBytes[1] & 0x1F, theClock.mSequence >> 8);
+  }
+}
+
+TEST(qvUUIDClock, OnlyALastTimeOfZeroIsTheFirst) {
+  const qvtimeval kNow = {2000, 500};
+  for (qvtimeval theLast : {qvtimeval{1000, 0}, qvtimeval{0, 500}}) {
+    qvUUID_Clock theClock = {theLast, 0x3FFF, 3};  // a sequence that is never drawn
+    qvUUID_S_AdvanceClock(&theClock, &kNow);
+    EXPECT_EQ(0x3FFF, theClock.mSequence);
   }
 }
 
