@@ -193,6 +193,18 @@ TEST(qvUUID, WithoutAnAddressTheNodeIsRandomAndStaysTheSame) {
   EXPECT_EQ(0, memcmp(theNode, theSecond + 10, 6));
 }
 
+TEST(qvUUID, ARandomNodeIsSixRandomBytesButForItsMark) {
+  uint8 theBytes[6];
+  srand(5);
+  qvUUID_GetRandomBytes(theBytes, 6);
+  uint8 theNode[7] = {0, 0, 0, 0, 0, 0, 0xEE};
+  srand(5);
+  qvUUID_S_MakeRandomNode(theNode);
+  EXPECT_EQ(theBytes[0] | 0x80, theNode[0]);
+  EXPECT_EQ(0, memcmp(theBytes + 1, theNode + 1, 5));
+  EXPECT_EQ(0xEE, theNode[6]) << "the byte behind it stays";
+}
+
 TEST(qvUUIDKept, RandomNodeIsMarkedInItsTopBit) {
   bool theLowBitWasClear = false;
   for (unsigned theSeed = 1; theSeed <= 20; ++theSeed) {
