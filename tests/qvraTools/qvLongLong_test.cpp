@@ -313,7 +313,7 @@ TEST(qvLongLong, ShiftRightKeepsTheSign) {
     uint32 mBits;
     int64 mValue;
   } kCases[] = {
-      {-1, 0, -1},
+      {Words(-2, 5), 0, Words(-2, 5)},
       {-1, 1, -1},
       {-8, 2, -2},
       {-7, 1, -4},

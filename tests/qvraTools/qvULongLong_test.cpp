@@ -238,7 +238,7 @@ TEST(qvULongLong, ShiftRightFillsWithZeros) {
     uint32 mBits;
     uint64 mValue;
   } kCases[] = {
-      {kMax, 0, kMax},
+      {0x8000000012345678, 0, 0x8000000012345678},
       {kMax, 1, 0x7FFFFFFFFFFFFFFF},
       {0x8000000000000000, 31, 0x100000000},
       {0x8000000012345678, 32, 0x80000000},
