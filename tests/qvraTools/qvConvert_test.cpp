@@ -234,6 +234,7 @@ TEST(qvConvert, UInt64IsClampedToItsRange) {
       {"184467440737095516160", UINT64_MAX, kHigh, "one digit more"},
       {"99999999999999999999999999999999999", UINT64_MAX, kHigh, "far above"},
       {"18446744073709551615!", UINT64_MAX, 20, "trailing text"},
+      {"1844674407370955161A", 1844674407370955161, 19, "a letter that is the next base's digit"},
       {"-1", 0, kInvalid, "no sign"},
   };
   for (const auto& theCase : kCases) {
@@ -271,7 +272,8 @@ TEST(qvConvert, Base16SkipsThePrefix) {
       {"0x1F", 16, 31, kNone, "with 0x"},
       {"1f", 16, 31, kNone, "without"},
       {"+0x1f", 16, 31, kNone, "behind a sign"},
-      {"0f", 16, 15, kNone, "a zero without an x is a digit, and the base stays"},
+      {"010", 16, 16, kNone, "a zero without an x is a digit, and the base stays"},
+      {"0xf", 16, 15, kNone, "any hexadecimal digit may follow the prefix"},
       {"0", 16, 0, kNone, "zero"},
       {"0x", 16, 0, 1, "0x alone is 0 and an x"},
       {"0xy", 16, 0, 1, "so is 0x before anything else"},

@@ -1,5 +1,8 @@
 // Digits that are hard to make: ties, neighbours of ties and of powers of ten, very many digits.
+#include <float.h>
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "support/FormatText.h"
 #include "support/HardNumbers.h"
@@ -70,6 +73,14 @@ TEST(qvFormatDigits, ANumberFarBelowTheLastDigitIsZero) {
   ExpectFormatted("0.01 0.000001", "%.2f %f", 0.0051, 5.1e-7);
   ExpectFormatted("0.00000000000000000000000000000000000000000000000000", "%.50f", 5e-324);
 }
+
+#if LDBL_MANT_DIG == 64
+TEST(qvFormatDigits, ALongDoubleFarBelowOneIsRoundedAtThePlaceBeforeItsFirstDigit) {
+  const std::string kZeros = "0." + std::string(398, '0');
+  ExpectFormatted(kZeros + "1", "%.399Lf", 6e-400L);
+  ExpectFormatted(kZeros + "0", "%.399Lf", 4e-400L);
+}
+#endif
 
 TEST(qvFormatDigits, HardNumbersHaveTheDigitsOfTheLanguagesOwnConversion) {
   HardNumbers theNumbers(1);

@@ -267,6 +267,9 @@ TEST(qvFormatErrors, RangeIsAnOutputThatNoIntCounts) {
   EXPECT_EQ(INT_MAX, qv_snprintf(theBuffer, sizeof theBuffer, "%2147483647d", 1));
   ExpectFormatted("error 7 at 13", "%2147483647dx", 1);
   ExpectFormatted("error 7 at 13", "x%2147483647d", 1);
+  ExpectFormatted("error 7 at 13", "%.2147483647f", 1.5);
+  ExpectFormatted("error 7 at 13", "%.2147483647e", 1.5);
+  ExpectFormatted("error 7 at 13", "%.2147483647a", 1.5);
 }
 
 TEST(qvFormatErrors, RangeSeesOutputsThatWrapASizeOfThirtyTwoBits) {
