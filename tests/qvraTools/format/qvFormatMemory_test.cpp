@@ -4,6 +4,8 @@
 #include <malloc.h>
 #include <stddef.h>
 
+#include <string>
+
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvMalloc.h"
 #include "support/HeapUse.h"
@@ -64,4 +66,16 @@ TEST(qvFormatMemory, TheBlockIsFreedWhenThePassThatFillsItFails) {
     EXPECT_STREQ("%300,%hhn", theFormat);
     EXPECT_EQ(0u, theLength);
   });
+}
+
+TEST(qvFormatMemory, TheBlockIsFilledUpToTheMeasuredLength) {
+  // The pass that measures stores its count over the end of the text that it has read: the pass that fills
+  // finds a longer one, and counts 303, in a byte '/'.
+  char theText[] = "a\0b";
+  size_t theLength = 0;
+  char* theOutput = qv_lmnprintf(&theLength, "%300d%s%hhn", 1, theText, theText + 1);
+  EXPECT_STREQ("a/b", theText);
+  EXPECT_EQ(301u, theLength);
+  EXPECT_EQ(std::string(299, ' ') + "1a", theOutput);
+  qvFree(theOutput);
 }
