@@ -104,6 +104,13 @@ TEST(qvConfigFile, ResetLayerReadsFromTheReadOnlyLayerAgain) {
   EXPECT_EQ("1", theLayers.GetString("a", "k"));
 }
 
+TEST(qvConfigFile, ResetLayerHasNoSectionAtAll) {
+  Layers theLayers("[a]\nk=1\n", "[a]\nk=2\n");
+  qvConfigFile_Reset(theLayers.Get());
+  EXPECT_EQ(0u, qvConfigFile_GetSectionCount(theLayers.Get(), 0));
+  EXPECT_EQ(2u, qvConfigFile_GetSectionCount(theLayers.Get(), 1));
+}
+
 TEST(qvConfigFile, SaveRightAfterResetWritesAnEmptyFile) {
   Layers theLayers("[a]\nk=1\n", "[a]\nk=2\n");
   qvConfigFile_Reset(theLayers.Get());
