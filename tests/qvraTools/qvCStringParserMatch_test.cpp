@@ -262,6 +262,13 @@ TEST(qvCStringParserMatch, LineEndCharacterEndsTheText) {
   EXPECT_EQ(1, qvCStringParser_MatchEx("ab", "ab\xFF", 1, '\xFF'));
 }
 
+TEST(qvCStringParserMatch, TextWithoutTheLineEndCharacterEndsAtItsEnd) {
+  EXPECT_EQ(1, qvCStringParser_MatchEx("abc", "abc", 1, '\n'));
+  EXPECT_EQ(1, qvCStringParser_MatchEx("a*c", "abc", 1, '\n'));
+  EXPECT_EQ(0, qvCStringParser_MatchEx("a*d", "abc", 1, '\n'));
+  EXPECT_EQ(0, qvCStringParser_MatchEx("abc?", "abc", 1, '\n'));
+}
+
 TEST(qvCStringParserMatch, LineEndCharacterAloneIsAnEmptyTextForTheMatch) {
   EXPECT_EQ(1, qvCStringParser_MatchEx("*", "\n", 1, '\n'));
   EXPECT_EQ(1, qvCStringParser_MatchEx("**", "\n", 1, '\n'));
