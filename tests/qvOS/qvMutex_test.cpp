@@ -178,6 +178,17 @@ TEST(qvMutex, AChildGivesBackWhatItsParentTookForTheFork) {
   EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
 }
 
+TEST(qvMutex, AChildThatGivesBackTheOnlyLockHoldsNoneAnyMore) {
+  MutexPtr theMutex = NewMutex();
+  qvMutex_Lock(theMutex.get());
+  IN_FRESH_PROCESS({
+    qvMutex_S_UnlockInChild(theMutex.get());
+    EXPECT_EQ(0u, theMutex->mLockCount);
+    EXPECT_FALSE(qvMutex_IsHeld(theMutex.get()));
+  });
+  EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
+}
+
 TEST(qvMutex, LockingTwiceCountsOneTwoOneZeroAndClearsTheOwnerOnlyAtZero) {
   MutexPtr theMutex = NewMutex();
   EXPECT_EQ(0, qvMutex_Lock(theMutex.get()));
