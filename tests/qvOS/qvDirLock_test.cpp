@@ -50,6 +50,13 @@ TEST(qvDirLock, LockMakesNoFile) {
   EXPECT_EQ(0, rmdir(theFolder.Path().c_str()));
 }
 
+TEST(qvDirLock, NoProgramThatIsExecutedInheritsTheLock) {
+  ScratchFolder theFolder;
+  qvDirLock theLock = qvDirLock_AcquireForFile(theFolder.File("a.ini").c_str(), kLimit);
+  EXPECT_EQ(FD_CLOEXEC, fcntl(theLock, F_GETFD));
+  qvDirLock_Release(theLock);
+}
+
 TEST(qvDirLock, BackslashesInTheNameAreSlashes) {
   ScratchFolder theFolder;
   qvDirLock theLock = qvDirLock_AcquireForFile((theFolder.Path() + "\\a.ini").c_str(), kLimit);

@@ -1,6 +1,7 @@
 // Threads that release themselves.
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <atomic>
 
@@ -131,6 +132,17 @@ TEST(qvThreadDetached, CannotBeWaitedForOrDeleted) {
   EXPECT_QV_ASSERTION(qvThread_Wait(start()), "aThread->mDetachedState != kqvThreadDetachedState_Detached",
                       "qvThread");
   EXPECT_QV_ASSERTION(qvThread_Delete(start()), "aThread->mDetachedState != kqvThreadDetachedState_Detached",
+                      "qvThread");
+}
+
+TEST(qvThreadDetached, CannotBeDeletedWhileItRuns) {
+  auto run = [] {
+    qvOSThread_Data theData = {[](void*) { pause(); }, nullptr, nullptr, 0, qvThread_Kind_Detached, 0};
+    qvOSThread* theThread = qvThread_New(&theData);
+    qvThread_Run(theThread);
+    return theThread;
+  };
+  EXPECT_QV_ASSERTION(qvThread_Delete(run()), "aThread->mDetachedState != kqvThreadDetachedState_Detached",
                       "qvThread");
 }
 
