@@ -30,6 +30,14 @@ TEST(qvFormatDigits, TheNeighboursOfATieAreRoundedToTheNearest) {
   ExpectFormatted("1.234e+04 1.235e+04", "%.3e %.3e", 0x1.81c7fffffffffp+13, 0x1.81c8000000001p+13);
 }
 
+TEST(qvFormatDigits, NumbersThatAllButEqualATieAreRoundedToTheNearest) {
+  // Within 2^-61 of half of the last digit: closer than the product with a power of five can tell.
+  ExpectFormatted("1.4460958381605e+51", "%.13e", 0x1.eebabe0957af3p+169);     // below it, behind a 5
+  ExpectFormatted("4.17367747458531e-286", "%.14e", 0x1.fc6c26f899dd1p-949);   // below it, behind a 1
+  ExpectFormatted("3.906439244631e-167", "%.12e", 0x1.26dae7bbeda75p-553);     // above it, behind a 0
+  ExpectFormatted("6.898586531774201e+180", "%.15e", 0x1.a999ddec72acap+600);  // above it, behind a 0
+}
+
 TEST(qvFormatDigits, RoundingUpNinesMakesADigitMoreInFront) {
   ExpectFormatted("10.0 100 1000.00", "%.1f %.0f %.2f", 9.96, 99.5, 999.996);
   ExpectFormatted("1.0e+01 1e+03 1.000000e+08", "%.1e %.0e %e", 9.96, 999.0, 99999999.96);
@@ -75,6 +83,16 @@ TEST(qvFormatDigits, ANumberFarBelowTheLastDigitIsZero) {
 }
 
 #if LDBL_MANT_DIG == 64
+TEST(qvFormatDigits, LongDoublesJustAboveATieAreRoundedUpFromAnEvenDigit) {
+  // By less than 2^-64 of the last digit: all that tells is that something was cut.
+  ExpectFormatted("2.957177e-20", "%.6Le", 0x8ba611fb40ee2abdp-128L);
+  ExpectFormatted("7e-25", "%.0Le", 0xc92a4e3e0c320052p-144L);
+  ExpectFormatted("1.237137651239e-08", "%.12Le", 0xd489e3a9addec2d1p-90L);
+  ExpectFormatted("6.86501e-15", "%.5Le", 0xf7567ec2244a9fdcp-111L);
+  ExpectFormatted("3e-09", "%.0Le", 0xabcc77118461cefdp-92L);
+  ExpectFormatted("1.9017e-04", "%.4Le", 0xc767074b22e90e21p-76L);
+}
+
 TEST(qvFormatDigits, ALongDoubleFarBelowOneIsRoundedAtThePlaceBeforeItsFirstDigit) {
   const std::string kZeros = "0." + std::string(398, '0');
   ExpectFormatted(kZeros + "1", "%.399Lf", 6e-400L);
