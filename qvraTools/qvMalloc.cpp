@@ -1,5 +1,6 @@
 #include "qvraTools/qvMalloc.h"
 
+#include <ctype.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -56,16 +57,10 @@ char* qvStrndup(const char* aStr, size_t aMaxStrlen) {
   return theCopy;
 }
 
-// What toupper does in the C locale. The process's own locale has no say: a Turkish one would leave "i" as it
-// is, an ISO-8859 one would change bytes of UTF-8 text.
-static char qvMalloc_S_ToUpper(char aChar) {
-  return aChar >= 'a' && aChar <= 'z' ? static_cast<char>(aChar - 'a' + 'A') : aChar;
-}
-
 char* qvStrdupToUpper(const char* aStr) {
   char* theCopy = qvStrdup(aStr);
   for (char* thePtr = theCopy; thePtr != NULL && *thePtr != '\0'; ++thePtr) {
-    *thePtr = qvMalloc_S_ToUpper(*thePtr);
+    *thePtr = static_cast<char>(toupper(static_cast<unsigned char>(*thePtr)));
   }
   return theCopy;
 }

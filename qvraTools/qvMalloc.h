@@ -32,7 +32,7 @@ QVLOG_API char* qvStrdup(const char* aStr);
  * null, and fails an assertion unless aMaxStrlen is 0. */
 QVLOG_API char* qvStrndup(const char* aStr, size_t aMaxStrlen);
 
-/* A copy with 'a' to 'z' as 'A' to 'Z', whatever the locale, and every other byte as it is; null for null. */
+/* A copy with toupper applied to every byte (in the "C" locale only 'a' to 'z' change); null for null. */
 QVLOG_API char* qvStrdupToUpper(const char* aStr);
 
 /* The length of aStr, looking at no more than aMaxStrlen bytes. */

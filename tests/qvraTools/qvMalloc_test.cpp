@@ -12,6 +12,7 @@
 #include <functional>
 #include <string>
 
+#include "support/BuiltLocale.h"
 #include "support/ChildProcess.h"
 #include "support/FatalLine.h"
 
@@ -195,6 +196,14 @@ TEST(qvMalloc, StrdupToUpperChangesTheLettersAToZOnly) {
   EXPECT_EQ("ABC", Taken(qvStrdupToUpper("ABC")));
   EXPECT_EQ("", Taken(qvStrdupToUpper("")));
   EXPECT_EQ("\xC3\xA4\xE4\xFF\x80", Taken(qvStrdupToUpper("\xC3\xA4\xE4\xFF\x80"))) << "bytes above 0x7F";
+}
+
+TEST(qvMalloc, StrdupToUpperChangesLettersAsInTheLocaleOfTheProcess) {
+  TurkishLocale theLocale;  // 'i' belongs to 0xDD there, and 0xFD to 'I'
+  if (!theLocale.WhyNot().empty()) {
+    GTEST_SKIP() << theLocale.WhyNot();
+  }
+  EXPECT_EQ("A\xDDI", Taken(qvStrdupToUpper("ai\xFD")));
 }
 
 TEST(qvMalloc, StrdupToUpperOfNullGivesNull) { EXPECT_EQ(nullptr, qvStrdupToUpper(nullptr)); }
