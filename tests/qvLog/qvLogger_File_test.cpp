@@ -414,6 +414,18 @@ TEST_F(qvFileLoggerTest, AWriteErrorInTheMiddleOfAMessageLosesTheRestOfIt) {
   EXPECT_THAT(theProgram.Read("out.txt"), MatchesRegex(Lines({"two"})));
 }
 
+TEST_F(qvFileLoggerTest, FileAndModeAreThoseOfTheMomentOfTheOpening) {
+  LogProgram theProgram;
+  theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\nfile=out.txt\n");
+  WriteWholeFile(theProgram.Path("other.txt"), "what was there\n");
+  theProgram.Run(
+      {"reload", "write", "qvLog.box.ini",
+       std::string(kNoLogDaemon) + "[options]\npopulate=0\n[file]\nlevel=all\nfile=other.txt\nappend=1\n",
+       "log", "1", "0", "x\n"});
+  EXPECT_THAT(theProgram.Read("other.txt"), MatchesRegex("what was there\n" + Lines({"x"})));
+  EXPECT_FALSE(FileExists(theProgram.Path("out.txt")));
+}
+
 TEST_F(qvFileLoggerTest, AReloadReadsNeitherThresholdNorFileNorMode) {
   LogProgram theProgram;
   theProgram.Configure("[file]\nlevel=warn\nfile=out.txt\n");
