@@ -11,6 +11,7 @@
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -174,6 +175,18 @@ TEST_F(qvLogdLoggerTarget, ATargetOfTheSettingsIsUsed) {
   theProgram.Configure("[qvlogd]\ntarget=" + mPeer.Target() + "\n");
   EXPECT_EQ("", theProgram.Run({"log", "1", "0", "x\n"}, {"QVRALOG"}).mStderr);
   EXPECT_THAT(mPeer.ReadToEnd(), HasSubstr("x\n"));
+}
+
+TEST_F(qvLogdLoggerTarget, AReloadSeesTheTargetOfThatMoment) {
+  LogDaemonPeer theOther;
+  LogProgram theProgram;
+  theProgram.Configure("[options]\npopulate=0\n[qvlogd]\ntarget=" + mPeer.Target() + "\n");
+  theProgram.Run({"log", "1", "0", "one\n", "write", "qvLog.box.ini",
+                  "[options]\npopulate=0\n[qvlogd]\ntarget=" + theOther.Target() + "\n", "reload", "log", "1",
+                  "0", "two\n"},
+                 {"QVRALOG"});
+  EXPECT_THAT(mPeer.ReadToEnd(), EndsWith("one\n"));
+  EXPECT_THAT(theOther.ReadToEnd(), EndsWith("two\n"));
 }
 
 TEST_F(qvLogdLoggerTarget, TheTargetNullOfTheSettingsSwitchesTheLoggerOff) {
