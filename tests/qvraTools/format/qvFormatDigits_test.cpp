@@ -2,6 +2,8 @@
 #include <float.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
 #include <string>
 
 #include "support/FormatText.h"
@@ -91,6 +93,8 @@ TEST(qvFormatDigits, LongDoublesJustAboveATieAreRoundedUpFromAnEvenDigit) {
   ExpectFormatted("6.86501e-15", "%.5Le", 0xf7567ec2244a9fdcp-111L);
   ExpectFormatted("3e-09", "%.0Le", 0xabcc77118461cefdp-92L);
   ExpectFormatted("1.9017e-04", "%.4Le", 0xc767074b22e90e21p-76L);
+  ExpectFormatted("0.00000001", "%.8Lf", 0xabcc77118461cefdp-91L);
+  ExpectFormatted("0.00000000001", "%.11Lf", 0xafebff0bcb24aaffp-101L);
 }
 
 TEST(qvFormatDigits, ALongDoubleFarBelowOneIsRoundedAtThePlaceBeforeItsFirstDigit) {
@@ -108,6 +112,16 @@ TEST(qvFormatDigits, HardNumbersHaveTheDigitsOfTheLanguagesOwnConversion) {
     if (i % 8 == 0) {
       ASSERT_EQ("", DifferentDigits(theNumber));
       ASSERT_EQ("", DifferentLongDigits(theNumber, static_cast<uint64_t>(i) << 53));
+    }
+  }
+}
+
+TEST(qvFormatDigits, SeventeenDigitsOfEveryExponentAreThoseOfTheLanguagesOwnConversion) {
+  std::mt19937_64 theEngine(1);
+  for (int theExponent = -1074; theExponent <= 971; ++theExponent) {
+    for (int i = 0; i < 16; ++i) {
+      const double theMantissa = static_cast<double>(theEngine() >> 12 | 1ull << 52);
+      ASSERT_EQ("", WrongDigits({std::ldexp(theMantissa, theExponent), 16, 'e'}));
     }
   }
 }

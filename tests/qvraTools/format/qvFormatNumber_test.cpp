@@ -67,6 +67,14 @@ TEST(qvFormatNumber, PrintsSignedIntegers) {
   ExpectNumbers(kCases);
 }
 
+TEST(qvFormatNumber, PrintsIntegersOfEveryLength) {
+  ExpectFormatted("9 10 99 100 999 1000 9999 10000 99999 100000", "%u %u %u %u %u %u %u %u %u %u", 9, 10, 99,
+                  100, 999, 1000, 9999, 10000, 99999, 100000);
+  ExpectFormatted("999999 1000000 9999999 10000000 99999999 100000000 999999999 1000000000",
+                  "%u %u %u %u %u %u %u %u", 999999, 1000000, 9999999, 10000000, 99999999, 100000000,
+                  999999999, 1000000000);
+}
+
 TEST(qvFormatNumber, PrintsUnsignedIntegers) {
   const NumberCase<unsigned> kCases[] = {
       {"0", "%u", 0},
