@@ -5,6 +5,7 @@
 #include <errno.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <thread>
@@ -96,6 +97,7 @@ TEST(qvLog, AMessageStartsWithAClearedRecordAndTheSameBuffer) {
 }
 
 TEST(qvLog, TheSpareByteBehindTheBufferIsZero) {
+  mallopt(M_PERTURB, 0xAA);  // new blocks are full of 0x55, so that the zero has been written
   RecordingLogger theLogger(5);
   EXPECT_EQ('\0', _qvLog_gData.mFormatted[_qvLog_gData.mSizeofFormatted]);
 }
