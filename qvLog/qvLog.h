@@ -188,14 +188,17 @@ QV_END_DECLS
 #define _QVLOG_DEBUG(aModule, f) _QVLOG_NOTHING
 #endif
 
-/* Names the module of a source file once, at file scope; a cond of 0 silences the file's QV_ statements. A
- * semicolon behind it is welcome but not needed: __extension__ may stand before an empty declaration as well
- * as before the next one. */
+/* Names the module of a source file once; a cond of 0 silences the file's QV_ statements. Stands at file
+ * scope, in C++ in a namespace or a function as well. A semicolon behind it is welcome but not needed: in C,
+ * __extension__ may stand before an empty declaration as well as before the next one. */
 #if defined(__GNUC__)
-#define _QVLOG_UNUSED            __attribute__((unused))
-#define _QVLOG_SEMICOLON_WELCOME __extension__
+#define _QVLOG_UNUSED __attribute__((unused))
 #else
 #define _QVLOG_UNUSED
+#endif
+#if defined(__GNUC__) && !defined(__cplusplus)
+#define _QVLOG_SEMICOLON_WELCOME __extension__
+#else
 #define _QVLOG_SEMICOLON_WELCOME
 #endif
 #define QVLOG_WITH_MODULE_IF(module, cond)                                          \

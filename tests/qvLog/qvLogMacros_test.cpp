@@ -34,6 +34,10 @@ QVLOG_WITH_MODULE_IF(RENDERER, 0)
 void Log() { QV_ERR(F("never")); }
 }  // namespace silent
 
+namespace other {
+QVLOG_WITH_MODULE_IF(TUNER, 1)
+}  // namespace other
+
 }  // namespace
 
 TEST(qvLogMacros, AtCompileTimeLevel0NoStatementCallsTheLibraryAtAll) {
@@ -151,6 +155,21 @@ TEST(qvLogMacros, ASourceFileWhoseConditionIsZeroIsSilent) {
   RecordingLogger theLogger(5);
   silent::Log();
   EXPECT_TRUE(theLogger.mMessages.empty());
+}
+
+TEST(qvLogMacros, AModuleMayBeNamedInANamespaceOrAFunctionWithASemicolonOrWithout) {
+  RecordingLogger theLogger(5);
+  EXPECT_EQ(QVLOG_M_TUNER, other::_s_qvLog_CurrentModule);
+  {
+    QVLOG_WITH_MODULE_IF(DEMUX, 1);
+    QV_ERR(F("x"));
+    EXPECT_EQ(QVLOG_M_DEMUX, theLogger.mRecord.mModule);
+  }
+  {
+    QVLOG_WITH_MODULE_IF(EPG, 1)
+    QV_ERR(F("x"));
+    EXPECT_EQ(QVLOG_M_EPG, theLogger.mRecord.mModule);
+  }
 }
 
 TEST(qvLogMacros, AtCompileTimeLevel4NoDebugStatementIsCompiledIn) {
