@@ -49,14 +49,15 @@ typedef void (*qvLog_LogFunc)(void* aCookie, const qvLogData* aData, const char*
  * (see _qvLog_IsLevelOn); never write it. */
 extern QVLOG_API qvLogLevel _qvLog_Level;
 
-/* 1 if some logger may want a message of this level and module, 0 if not. Level 0 always gives 0. A logger
- * whose threshold equals aLevel counts here although it would not write the message. */
+/* 1 if some logger may want a message of this level and module, 0 if not, and 0 wherever qvLog_Begin drops
+ * all messages. Level 0 always gives 0. A logger whose threshold equals aLevel counts here although it would
+ * not write the message. */
 QVLOG_API int qvLog_WillLog(qvLogLevel aLevel, qvLogModule aModule);
 
-/* Begins a message. Null when no logger wants it, when it is nested inside the output of another message, or
- * while another thread initialises the framework: then there is nothing to end. Otherwise the calling thread
- * holds the log lock until qvLog_End, and it should set mFile and mLine of the record. The record belongs to
- * the library. A message of level 65535 never passes. */
+/* Begins a message. Null when no logger wants it, when it is nested inside another message of the thread (in
+ * its output, or where its arguments are evaluated), or while another thread initialises the framework: then
+ * there is nothing to end. Otherwise the calling thread holds the log lock until qvLog_End, and it should set
+ * mFile and mLine of the record. The record belongs to the library. A message of level 65535 never passes. */
 QVLOG_API qvLogData* qvLog_Begin(qvLogLevel aLevel, qvLogModule aModule);
 
 /* Ends the message of this thread. The argument is not used. */
@@ -71,7 +72,7 @@ QVLOG_API void qvLog_End(qvLogData* aData);
 QVLOG_API void qvLog_Append_F(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 QVLOG_API void qvLog_Append_VF(const char* aFormat, va_list anArgs) QV_PRINTF_FORMAT(1, 0);
 /* Formatted text of several lines and any length: every line after the first gets a prefix of its own, and
- * what follows the last line end is dropped. */
+ * what follows the last line end is dropped. A format that fails or is empty writes nothing. */
 QVLOG_API void qvLog_Append_FML(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
 /* One line: the current indentation in tab characters, the formatted text, a line end. */
 QVLOG_API void qvLog_Append_FN(const char* aFormat, ...) QV_PRINTF_FORMAT(1, 2);
@@ -80,7 +81,9 @@ QVLOG_API void qvLog_Append_B(const void* aBuffer, size_t aLength);
 /* At most aLength wide characters, and about 400 bytes; those below 32 or above 127 appear as "\uXXXX". */
 QVLOG_API void qvLog_Append_U(const wchar_t* aUnicodeStr, size_t aLength);
 
-/* Makes every logger forget its module decisions, so that the configuration file is read again. */
+/* Makes every logger forget its module decisions, so that the configuration file is read again. The log
+ * daemon logger also reads its other settings and connects anew; the file logger keeps its own until
+ * qvLog_Term. */
 QVLOG_API void qvLog_ReloadConfig(void);
 
 /* Initialises the framework. The calling thread keeps the log lock when this returns: its own messages are

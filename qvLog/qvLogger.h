@@ -98,8 +98,9 @@ class QVLOG_API qvLogger {
   // name, and nothing is stored then.
   static const char* ModuleNameAndDefaultValue(qvLogModule aModule, int* aDefaultValue);
 
-  // The framework lock is the log lock, recursive; taking it initialises the framework. Unlocking also ends
-  // the protection against nested messages, so a logger must not use these while it is called.
+  // The framework lock is the log lock, recursive; taking it initialises the framework. What the thread logs
+  // while it holds the lock is dropped as nested. Unlocking also ends the protection against nested messages,
+  // so a logger must not use these while it is called.
   static void LockFramework();
   static void UnlockFramework();
 

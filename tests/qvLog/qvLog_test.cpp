@@ -205,6 +205,19 @@ TEST(qvLog, AMessageNestedInALoggersOutputIsDroppedAndTheOuterOneIsIntact) {
   EXPECT_EQ(99u, theLogger.mRecord.mLine);
 }
 
+TEST(qvLog, AMessageOfTheThreadThatHoldsTheFrameworkLockIsDroppedAsNested) {
+  RecordingLogger theLogger(2);
+  qvLogger::LockFramework();
+  EXPECT_FALSE(LogText(1, 0, "locked"));
+  EXPECT_EQ(0, qvLog_WillLog(1, 0));
+  qvLogger::LockFramework();
+  EXPECT_FALSE(LogText(1, 0, "locked twice"));
+  qvLogger::UnlockFramework();
+  EXPECT_TRUE(LogText(1, 0, "unlocked once"));
+  qvLogger::UnlockFramework();
+  EXPECT_THAT(theLogger.mMessages, ElementsAre("unlocked once"));
+}
+
 TEST(qvLog, AMessageOfAnotherThreadWaitsForTheEndOfThisOne) {
   RecordingLogger theLogger(5);
   qvLogData* theData = qvLog_Begin(1, 0);
