@@ -146,8 +146,8 @@ double ReadDurationFraction(const std::string& aText, bool afAcceptFraction) {
     return -1.0;
   }
   theValue *= theSlashFlag ? 1000.0 : 1.0;
-  while (!theSlashFlag && theValue > 1000.0) {
-    theValue /= 10.0;
+  while (!theSlashFlag && floor(theValue) > 1000.0) {
+    theValue = theValue < 4294967296.0 ? floor(floor(theValue) / 10.0) : theValue / 10.0;
   }
   return theValue <= 1000.0 ? theValue : -1.0;
 }

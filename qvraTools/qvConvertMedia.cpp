@@ -179,28 +179,36 @@ static bool qvConvert_S_ReadDurationField(const char** aStr, size_t aMinDigits, 
   return true;
 }
 
+// The whole part of a number, divided by 10 until it is at most 1000.
+static uint32 qvConvert_S_CutToMilliSeconds(double aValue) {
+  while (aValue >= 4294967296.0) {
+    aValue /= 10.0;
+  }
+  // KEEP qvConvertKept.FractionOfADurationIsAnIntegerCutToFourDigits
+  // A plain fraction is an integer of milliseconds, so ".5" is 5 ms and ".2500" comes down to 250 ms; what
+  // comes down to 1000 on the way, as ".10009" does, is a whole second.
+  uint32 theMilliSecond = static_cast<uint32>(aValue);
+  while (theMilliSecond > 1000) {
+    theMilliSecond /= 10;
+  }
+  return theMilliSecond;
+}
+
 // The text behind the dot, in milliseconds; 1000 for a whole second.
 static bool qvConvert_S_ReadDurationFraction(const char* aStr, int afAcceptFraction, uint32* aMilliSecond) {
   bool theSlashFlag = strchr(aStr, '/') != NULL;
   double theValue = 0.0;
   if ((theSlashFlag && !afAcceptFraction) || qvConvert_strfractiontodouble(aStr, &theValue) != 0 ||
-      !isfinite(theValue)) {
+      !isfinite(theValue) || theValue < 0.0) {
     return false;
   }
-  if (theSlashFlag) {
-    theValue *= 1000.0;
-  } else {
-    // KEEP qvConvertKept.FractionOfADurationIsAnIntegerCutToFourDigits
-    // A plain fraction is an integer of milliseconds, so ".5" is 5 ms and ".2500" comes down to 250 ms.
-    while (theValue > 1000.0) {
-      theValue /= 10.0;
-    }
+  if (!theSlashFlag) {
+    *aMilliSecond = qvConvert_S_CutToMilliSeconds(theValue);
+    return true;
   }
-  if (theValue < 0.0 || theValue > 1000.0) {
-    return false;
-  }
-  *aMilliSecond = static_cast<uint32>(theValue);
-  return true;
+  theValue *= 1000.0;
+  *aMilliSecond = theValue <= 1000.0 ? static_cast<uint32>(theValue) : 0;
+  return theValue <= 1000.0;
 }
 
 int qvConvert_dlnadurationstrtouint32_ex(const char* aStr, uint32* aSecond, uint32* aMilliSecond,

@@ -212,7 +212,7 @@ TEST(qvConvertMedia, DurationTextBecomesSecondsAndMilliseconds) {
       {"1:02:03.5 ", -3, 0, 0, "but not behind"},
       {"1:02:03.+5", 0, 3723, 5, "and a sign"},
       {"1:02:03.5.5", 0, 3723, 5, "and a fraction of its own, which is cut off"},
-      {"1:02:03.1000.5", 0, 3723, 100, "though it counts above 1000"},
+      {"1:02:03.1000.5", 0, 3724, 0, "so that this is no more than 1000"},
       {"1:02:03.1/1000", 0, 3723, 1, "the shortest part of a second"},
       {"1:02:03.1/1001", 0, 3723, 0, "and one that is cut to nothing"},
       {"1:02:03.999/1000", 0, 3723, 999, "the longest"},
@@ -224,7 +224,7 @@ TEST(qvConvertMedia, DurationTextBecomesSecondsAndMilliseconds) {
       {"1:02:03.inf", -3, 0, 0, "infinity is no time"},
       {"1:02:03.nan", -3, 0, 0, "nor is NaN"},
       {"1:02:03.1e999", -3, 0, 0, "nor is what no double holds"},
-      {"1:02:03.1e300", 0, 3723, 100, "a double's largest powers come down as well"},
+      {"1:02:03.1e300", 0, 3724, 0, "a double's largest powers come down as well"},
       {"+1:02:03", -3, 0, 0, "a sign is no digit"},
       {"", -3, 0, 0, "nothing"},
       {nullptr, -3, 0, 0, "null"},
@@ -242,7 +242,11 @@ TEST(qvConvertKept, FractionOfADurationIsAnIntegerCutToFourDigits) {
       {":00:01.1001", 0, 1, 100, "1001 is divided by 10"},
       {":00:01.2500", 0, 1, 250, "2500 comes down to 250"},
       {":00:01.123456789", 0, 1, 123, "many digits come down to three"},
-      {":00:01.9999999", 0, 1, 999, "in double arithmetic, cut and not rounded"},
+      {":00:01.9999999", 0, 1, 999, "cut and not rounded"},
+      {":00:01.10009", 0, 2, 0, "10009 comes down to 1000 as well, an integer being divided"},
+      {":00:01.10010", 0, 1, 100, "its neighbour comes down to 1001, and that to 100"},
+      {":00:01.4294967295", 0, 1, 429, "as many as a word holds"},
+      {":00:01.10009999999999", 0, 2, 0, "and more"},
   };
   ExpectTimes(qvConvert_dlnadurationstrtouint32, kCases);
 }
