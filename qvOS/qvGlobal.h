@@ -2,7 +2,7 @@
  * the library in one process.
  *
  * Changing the environment is not safe while other threads read it: set pointers at start-up. Pointers are
- * read back in a range of 32 bits. */
+ * read back in a range of 32 bits. Names must not be null. */
 #ifndef QVOS_QVGLOBAL_H
 #define QVOS_QVGLOBAL_H
 

@@ -87,10 +87,10 @@ struct qvConfigFileBackend_t {
 };
 
 /* Opens the two layers. Either name may be null: that layer is empty then, and without a read-write name it
- * takes no writes. A file that is missing or unreadable is an empty layer, not an error. Relative names are
- * taken relative to the directory of the running executable. A read-write file whose last save was
- * interrupted is repaired first. aFileName is not used by the INI back-end. Null when there is no back-end or
- * it fails. */
+ * takes no writes. An empty name is that of a layer without a file, which cannot be saved. A file that is
+ * missing or unreadable is an empty layer, not an error. Relative names are taken relative to the directory
+ * of the running executable. A read-write file whose last save was interrupted is repaired first. aFileName
+ * is not used by the INI back-end. Null when there is no back-end or it fails. */
 QVLOG_API qvConfigFile* qvConfigFile_New(const char* aReadOnlyFileName, const char* aReadWriteFileName,
                                          const char* aFileName);
 

@@ -47,9 +47,10 @@ static qvDictionary* qvConfigFile_INI_S_Layer(qvConfigFile* aConfigFile, int afF
                            : qvConfigFile_INI_S_RW(aConfigFile);
 }
 
-// Null for null.
+// Null for null, and for the empty name: the siblings of a save, ".tmp" and ".ok", would lie beside the
+// executable.
 static char* qvConfigFile_INI_S_FullName(const char* aFileName) {
-  return aFileName != NULL ? qvPath_Normalize(aFileName, 0, kqvPathNormalizeMode_Generic, NULL) : NULL;
+  return !qvStrEmpty(aFileName) ? qvPath_Normalize(aFileName, 0, kqvPathNormalizeMode_Generic, NULL) : NULL;
 }
 
 // Loads the latest settings of an interrupted save that could not be completed now. Returns 0 or the error.

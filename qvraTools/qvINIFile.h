@@ -45,10 +45,11 @@ QVLOG_API size_t qvINIFile_GetNumberOfSections(qvDictionary* aDictionary);
  * of range both give the empty text. */
 QVLOG_API const char* qvINIFile_GetSectionName(qvDictionary* aDictionary, size_t aSectionIndex);
 
-/* How many keys a section has; 0 for one that does not exist. */
+/* How many keys a section has; 0 for one that does not exist, however long its name is. */
 QVLOG_API size_t qvINIFile_GetNumberOfKeys(qvDictionary* aDictionary, const char* aSection);
 
-/* The name of a section's key at an index; the empty text when the index is out of range. */
+/* The name of a section's key at an index; the empty text when the index is out of range, as it always is
+ * for a section that does not exist. */
 QVLOG_API const char* qvINIFile_GetKeyName(qvDictionary* aDictionary, const char* aSection, size_t aKeyIndex);
 
 /* The readers give the key's value and *afValueFound = 1, or aDefaultValue itself and *afValueFound = 0.

@@ -99,6 +99,15 @@ TEST(qvConfigFileINIBackend, NameThatIsNotGivenStaysNull) {
   qvConfigFile_Delete(theConfigFile);
 }
 
+TEST(qvConfigFileINIBackend, EmptyNamesAreThoseOfLayersWithoutAFile) {
+  qvConfigFile* theConfigFile = qvConfigFile_New("", "", nullptr);
+  EXPECT_EQ(nullptr, AsINI(theConfigFile)->mROFileName);
+  EXPECT_EQ(nullptr, AsINI(theConfigFile)->mRWFileName);
+  EXPECT_NE(nullptr, AsINI(theConfigFile)->mRWDictionary);
+  EXPECT_EQ(0, qvConfigFile_Save(theConfigFile));
+  qvConfigFile_Delete(theConfigFile);
+}
+
 TEST(qvConfigFileINIBackend, RelativeNamesLieBesideTheExecutable) {
   qvConfigFile* theConfigFile = qvConfigFile_New("./ro.ini", "sub/rw.ini", nullptr);
   char thePath[4096] = "";
