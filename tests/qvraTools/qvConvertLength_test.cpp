@@ -10,8 +10,10 @@
 
 #include "qvraTools/qvConvert.h"
 #include "support/ChildProcess.h"
+#include "support/CountedMalloc.h"
 #include "support/FatalLine.h"
 #include "support/HeapUse.h"
+#include "support/Sanitizers.h"
 
 // The sanitizers' allocators end the process themselves unless they are told to return null.
 extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
@@ -70,6 +72,21 @@ TEST(qvConvertLength, NoTextIsInvalidAndGivesZero) {
   ExpectNothing(qvConvert_strntouint32);
   ExpectNothing(qvConvert_strntouint64);
   ExpectNothing(qvConvert_hexstrntouint32);
+}
+
+TEST(qvConvertLength, NoTextIsNotCopied) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizers have their own malloc";
+  }
+  uint32 theValue = 99;
+  size_t theBefore = sAllocations;
+  qvConvert_strntouint32("123", 0, &theValue);
+  qvConvert_strntouint32(nullptr, 3, &theValue);
+  qvConvert_hexstrntouint32("123", 0, &theValue);
+  qvConvert_hexstrntouint32(nullptr, 3, &theValue);
+  EXPECT_EQ(theBefore, sAllocations);
+  qvConvert_strntouint32("123", 1, &theValue);
+  EXPECT_EQ(theBefore + 1, sAllocations) << "one copy, and the count sees it";
 }
 
 TEST(qvConvertLength, EachFormHasTheRangeOfItsType) {

@@ -8,23 +8,12 @@
 
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvMalloc.h"
+#include "support/CountedMalloc.h"
 #include "support/HeapUse.h"
 #include "support/Sanitizers.h"
 
 // The formats are cut or changed on purpose.
 #pragma GCC diagnostic ignored "-Wformat"
-
-// Calls of malloc in this program. The sanitizers bring their own malloc, which is not counted.
-static size_t sAllocations = 0;
-
-#if !QVLOG_SANITIZED
-extern "C" void* __libc_malloc(size_t aSize);
-
-extern "C" void* malloc(size_t aSize) noexcept {
-  ++sAllocations;
-  return __libc_malloc(aSize);
-}
-#endif
 
 TEST(qvFormatMemory, BoundedOutputAllocatesNothing) {
   if (kSanitized) {
