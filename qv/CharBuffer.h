@@ -8,6 +8,8 @@
 
 #include <wchar.h>
 
+#include <type_traits>
+
 #include "qvOS/qvTypes.h"
 
 /* What qvCharBuffer and qvWCharBuffer share; use it through these two. */
@@ -20,6 +22,10 @@ class QVLOG_API qvCharBuffer_Base {
 
   /* Holds a new block of aLength + 1 characters: a terminator at index aLength, nothing defined before it. */
   explicit qvCharBuffer_Base(size_t aLength);
+
+  /* The same from any integer, so that a literal 0 is a length and not the null text as well. */
+  template <class Int, class = typename std::enable_if<std::is_integral<Int>::value>::type>
+  explicit qvCharBuffer_Base(Int aLength) : qvCharBuffer_Base(static_cast<size_t>(aLength)) {}
 
   /* Moves the string out of aBuffer, which is null afterwards. */
   qvCharBuffer_Base(const qvCharBuffer_Base& aBuffer);

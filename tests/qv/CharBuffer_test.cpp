@@ -70,6 +70,13 @@ TEST(qvCharBuffer, ASizeOfZeroGivesTheEmptyText) {
   EXPECT_STREQ("", theBuffer.mStr);
 }
 
+TEST(qvCharBuffer, ALiteralZeroIsASizeAndNotNull) {
+  const qvCharBuffer theBuffer(0);
+  EXPECT_STREQ("", theBuffer.mStr);
+  const qvWCharBuffer theWideBuffer(0);
+  EXPECT_STREQ(L"", theWideBuffer.mStr);
+}
+
 TEST(qvCharBuffer, ASizeThatNoMachineHasEndsTheProcess) {
   const ChildResult theResult = RunInChild([] { qvCharBuffer theBuffer(sTooManyCharacters); });
   EXPECT_EQ(kTooMuchMemory, FatalLine(theResult.mStderr));
