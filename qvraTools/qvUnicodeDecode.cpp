@@ -1,9 +1,9 @@
 // Whole texts from UTF-8 to wide text, and the checks of them.
 //
 // A text goes through in pieces whose end is looked for first, so that blocks of it can be read without a
-// look for the terminator. A block is ASCII, or five characters of three bytes each, or else goes through a
-// state machine. None of the three has branches inside: where the characters of a text begin is hard to
-// foresee.
+// look for the terminator. A block is ASCII, or five characters of three bytes each, or any characters of up
+// to three bytes; blocks of others are read character by character. The first three have no branches inside:
+// where the characters of a text begin is hard to foresee.
 
 #include <string.h>
 
@@ -11,8 +11,9 @@
 #include "qvraTools/qvUnicode.h"
 #include "qvraTools/qvUnicode_p.h"
 
-#define kqvUnicode_PieceSize   4096 /* bytes; stays in the nearest cache                      */
-#define kqvUnicode_Triples     5    /* characters of three bytes that are looked at together  */
+#define kqvUnicode_PieceSize   4096                     /* bytes; stays in the nearest cache             */
+#define kqvUnicode_BlockReach  (kqvASCII_BlockSize + 2) /* bytes that are read to check a block          */
+#define kqvUnicode_Triples     5                        /* characters of three bytes that go together    */
 #define kqvUnicode_TripleSize  3
 #define kqvUnicode_TriplesSize (kqvUnicode_Triples * kqvUnicode_TripleSize)
 
@@ -39,8 +40,13 @@ static inline bool qvUnicode_S_IsTriple(uint32 aWord) {
          ((aWord & qvUnicode_S_Word(0x0F, 0x20, 0)) != 0);
 }
 
-static bool qvUnicode_S_AreTriples(const uint8* anIn) {
+// First a look at the leads of the first and the last one, which mostly decides.
+static inline bool qvUnicode_S_AreTriples(const uint8* anIn) {
+  if ((anIn[0] & anIn[kqvUnicode_TriplesSize - kqvUnicode_TripleSize]) < 0xE0) {
+    return false;
+  }
   bool theResult = true;
+#pragma GCC unroll 5
   for (size_t i = 0; i < kqvUnicode_Triples; ++i) {
     theResult &= qvUnicode_S_IsTriple(qvUnicode_S_Load(anIn + kqvUnicode_TripleSize * i));
   }
@@ -53,71 +59,77 @@ static inline uint32 qvUnicode_S_Triple(const uint8* anIn) {
          ((0xE0u << 12) + (0x80u << 6) + 0x80u);
 }
 
-// ------------------------------------------------------------------------------------- the state machine
+// ------------------------------------------------------------------------- characters of up to three bytes
 
-// A byte has a word, in which each state has five bits with the state that follows: the word shifted by the
-// state is the next state. Leads from 0xF1 on are errors here, and their block is read character by
-// character.
-enum {
-  kqvUnicode_Error = 0,
-  kqvUnicode_Between = 5,  // two characters
-  kqvUnicode_Wants1 = 10,  // one more continuation byte
-  kqvUnicode_Wants2 = 15,
-  kqvUnicode_BehindE0 = 20,  // a continuation byte that makes no overlong form, and another
-  kqvUnicode_BehindF0 = 25   // a continuation byte that makes no overlong form, and two others
-};
+// What each byte of a word is: its uppermost bit says so, the others mean nothing. In which order the bytes
+// lie in a word does not matter.
+#define kqvUnicode_AnswerBits kqvASCII_OfBytes(0x80u)
 
-#define kqvUnicode_StateMask 0x1Fu
+static inline size_t qvUnicode_S_Continuations(size_t aWord) { return aWord & ~(aWord << 1); }
 
-struct qvUnicode_S_Transitions {
-  uint32 mOfByte[256];
-};
+// Leads of two bytes and more, and of three and more.
+static inline size_t qvUnicode_S_Leads(size_t aWord) { return aWord & aWord << 1; }
+static inline size_t qvUnicode_S_LongLeads(size_t aWord) { return aWord & aWord << 1 & aWord << 2; }
 
-static constexpr uint32 qvUnicode_S_TransitionsOf(uint32 aByte) {
-  if (aByte < 0x80) {
-    return kqvUnicode_Between << kqvUnicode_Between;
-  }
-  if (aByte < 0xC0) {
-    return kqvUnicode_Between << kqvUnicode_Wants1 | kqvUnicode_Wants1 << kqvUnicode_Wants2 |
-           (aByte >= 0xA0 ? kqvUnicode_Wants1 << kqvUnicode_BehindE0 : 0) |
-           (aByte >= 0x90 ? kqvUnicode_Wants2 << kqvUnicode_BehindF0 : 0);
-  }
-  uint32 theNext = aByte < 0xC2    ? kqvUnicode_Error
-                   : aByte < 0xE0  ? kqvUnicode_Wants1
-                   : aByte == 0xE0 ? kqvUnicode_BehindE0
-                   : aByte < 0xF0  ? kqvUnicode_Wants2
-                   : aByte == 0xF0 ? kqvUnicode_BehindF0
-                                   : kqvUnicode_Error;
-  return theNext << kqvUnicode_Between;
+// Whether each byte of the word at anIn is the lead of a longer character or of one that a shorter form would
+// do for, or the second byte behind it is a continuation byte without being wanted or the other way round.
+static inline size_t qvUnicode_S_Faults(const uint8* anIn) {
+  size_t theWord = qvASCII_S_LoadWord(anIn, 0);
+  size_t theNext = qvASCII_S_LoadWord(anIn + 1, 0);
+  size_t theSecond = qvASCII_S_LoadWord(anIn + 2, 0);
+  size_t theLongLeads = qvUnicode_S_LongLeads(theWord);
+  size_t theWanted = theLongLeads | qvUnicode_S_Leads(theNext);
+  // What no shorter form has room for: bits 1 to 4 of a lead of two bytes; of one of three bytes bit 0, too,
+  // and bit 5 of the byte behind it.
+  size_t theLeadBits =
+      (theWord & kqvASCII_OfBytes(0x1Eu)) | (theWord & theWord >> 5 & kqvASCII_OfBytes(0x01u));
+  size_t theLongEnough = (theLeadBits + kqvASCII_OfBytes(0x7Fu)) | (theLongLeads & theNext << 2);
+  return (theLongLeads & theWord << 3) | (qvUnicode_S_Leads(theWord) & ~theLongEnough) |
+         (qvUnicode_S_Continuations(theSecond) ^ theWanted);
 }
 
-static constexpr qvUnicode_S_Transitions qvUnicode_S_MakeTransitions() {
-  qvUnicode_S_Transitions theTable = {};
-  for (uint32 theByte = 0; theByte < 256; ++theByte) {
-    theTable.mOfByte[theByte] = qvUnicode_S_TransitionsOf(theByte);
+static inline uint32 qvUnicode_S_IsContinuation(uint8 aByte) { return (aByte & 0xC0u) == 0x80; }
+
+// Whether all characters that begin in a block are valid ones of up to three bytes.
+static inline bool qvUnicode_S_IsValidBlock(const uint8* anIn) {
+  size_t theFaults = 0;
+  for (size_t i = 0; i < kqvASCII_BlockSize; i += sizeof(size_t)) {
+    theFaults |= qvUnicode_S_Faults(anIn + i);
   }
-  return theTable;
+  // The first two bytes are behind none of these.
+  uint32 thefWanted = anIn[0] >= 0xC0;
+  return ((theFaults & kqvUnicode_AnswerBits) == 0) & (qvUnicode_S_IsContinuation(anIn[0]) == 0) &
+         (qvUnicode_S_IsContinuation(anIn[1]) == thefWanted);
 }
 
-static constexpr qvUnicode_S_Transitions kTransitions = qvUnicode_S_MakeTransitions();
-
-// The end of the character in which the bytes of a block end, or null when they are not valid.
-static const uint8* qvUnicode_S_CheckBlock(const uint8* anIn, size_t aLength, const uint8* aTextEnd) {
-  uint32 theState = kqvUnicode_Between;
-  for (const uint8* theEnd = anIn + aLength; anIn < theEnd; ++anIn) {
-    theState = kTransitions.mOfByte[*anIn] >> (theState & kqvUnicode_StateMask);
-  }
-  while ((theState &= kqvUnicode_StateMask) != kqvUnicode_Between) {
-    if (theState == kqvUnicode_Error || anIn == aTextEnd) {
-      return NULL;
-    }
-    theState = kTransitions.mOfByte[*anIn++] >> theState;
-  }
-  return anIn;
+// How many bytes at the end of a valid block belong to a character that goes on behind it.
+static inline size_t qvUnicode_S_CutLength(const uint8* anIn) {
+  size_t thefCut = qvUnicode_S_IsContinuation(anIn[kqvASCII_BlockSize]);
+  return thefCut + (thefCut & qvUnicode_S_IsContinuation(anIn[kqvASCII_BlockSize - 1]));
 }
 
-// 1 for a byte that begins a character.
-static inline uint32 qvUnicode_S_Begins(uint32 aByte) { return 1 - (aByte >> 7 & ~(aByte >> 6) & 1); }
+// How many characters begin in a block.
+static inline size_t qvUnicode_S_CountBlock(const uint8* anIn) {
+  size_t theBegins = 0;  // byte by byte
+  for (size_t i = 0; i < kqvASCII_BlockSize; i += sizeof(size_t)) {
+    theBegins += ~qvUnicode_S_Continuations(qvASCII_S_LoadWord(anIn + i, 0)) >> 7 & kqvASCII_OfBytes(1u);
+  }
+  // The product has the sum of all bytes in its uppermost one.
+  return theBegins * kqvASCII_OfBytes(1u) >> (8 * (sizeof(size_t) - 1));
+}
+
+// The bytes of a word without their marks.
+static inline size_t qvUnicode_S_Payload(size_t aWord) {
+  size_t theMarked = aWord & kqvUnicode_AnswerBits;
+  size_t theLongLeads = qvUnicode_S_LongLeads(aWord) & kqvUnicode_AnswerBits;
+  return aWord & ~(theMarked | theMarked >> 1 | theLongLeads >> 2);
+}
+
+// All bits of each continuation byte.
+static inline size_t qvUnicode_S_ContinuationMask(size_t aWord) {
+  size_t theContinuations = qvUnicode_S_Continuations(aWord) & kqvUnicode_AnswerBits;
+  return theContinuations | (theContinuations - (theContinuations >> 7));
+}
 
 // --------------------------------------------------------------------------------- where characters go
 
@@ -127,11 +139,7 @@ struct qvUnicode_S_CharCounter {
 
   void PutASCII(const uint8*) { mCount += kqvASCII_BlockSize; }
   void PutTriples(const uint8*) { mCount += kqvUnicode_Triples; }
-  void PutValid(const uint8* anIn, const uint8* anEnd) {
-    while (anIn < anEnd) {
-      mCount += qvUnicode_S_Begins(*anIn++);
-    }
-  }
+  void PutBlock(const uint8*, size_t, size_t aCount) { mCount += aCount; }
   void Put(uint32) { ++mCount; }
 };
 
@@ -149,33 +157,62 @@ struct qvUnicode_S_CharWriter {
   }
 
   void PutTriples(const uint8* anIn) {
+#pragma GCC unroll 5
     for (size_t i = 0; i < kqvUnicode_Triples; ++i) {
       mNext[i] = static_cast<wchar_t>(qvUnicode_S_Triple(anIn + kqvUnicode_TripleSize * i));
     }
     mNext += kqvUnicode_Triples;
   }
 
-  // Each byte writes what there is of its character so far.
-  void PutValid(const uint8* anIn, const uint8* anEnd) {
-    // What a byte adds to its character, by its four upper bits; leads of four bytes are 0xF0 here.
-    static const uint8 kPayload[16] = {0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F,
-                                       0x3F, 0x3F, 0x3F, 0x3F, 0x1F, 0x1F, 0x0F, 0x07};
-    wchar_t* theNext = mNext;
-    uint32 theChar = 0;
-    while (anIn < anEnd) {
-      uint32 theByte = *anIn++;
-      uint32 thefBegins = qvUnicode_S_Begins(theByte);
-      theChar = (theChar << 6 & (thefBegins - 1)) | (theByte & kPayload[theByte >> 4]);
-      theNext += thefBegins;
-      theNext[-1] = static_cast<wchar_t>(theChar);
+  // Each byte writes what there is of its character so far, no more than aLength of them. Of a last character
+  // that goes on behind the block that is written over later.
+  void PutBlock(const uint8* anIn, size_t aLength, size_t aCount) {
+    uint8 thePayload[kqvASCII_BlockSize];
+    int8 theMasks[kqvASCII_BlockSize];
+    for (size_t i = 0; i < kqvASCII_BlockSize; i += sizeof(size_t)) {
+      size_t theWord = qvASCII_S_LoadWord(anIn + i, 0);
+      size_t theWordPayload = qvUnicode_S_Payload(theWord);
+      size_t theWordMask = qvUnicode_S_ContinuationMask(theWord);
+      memcpy(thePayload + i, &theWordPayload, sizeof(size_t));
+      memcpy(theMasks + i, &theWordMask, sizeof(size_t));
     }
-    mNext = theNext;
+    ptrdiff_t theNumber = -1;
+    uint32 theChar = 0;
+#pragma GCC unroll 4
+    for (size_t i = 0; i < aLength; ++i) {
+      theNumber += 1 + theMasks[i];
+      theChar = (theChar << 6 & static_cast<uint32>(theMasks[i])) | thePayload[i];
+      mNext[theNumber] = static_cast<wchar_t>(theChar);
+    }
+    mNext += aCount;
   }
 
   void Put(uint32 aChar) { *mNext++ = static_cast<wchar_t>(aChar); }
 };
 
 // ---------------------------------------------------------------------------------------------- texts
+
+// Reads a block, or what is left of one at the end. Returns how many bytes it takes: none when there are long
+// forms, or malformed ones.
+template <typename Output>
+static inline size_t qvUnicode_S_ReadBlock(const uint8* anIn, size_t aLeft, Output* anOutput) {
+  uint8 theLastBytes[kqvUnicode_BlockReach];
+  size_t theMissing = 0;
+  if (aLeft < kqvUnicode_BlockReach) {
+    memset(theLastBytes, 0, sizeof(theLastBytes));
+    memcpy(theLastBytes, anIn, aLeft);
+    anIn = theLastBytes;
+    theMissing = aLeft < kqvASCII_BlockSize ? kqvASCII_BlockSize - aLeft : 0;
+  }
+  if (!qvUnicode_S_IsValidBlock(anIn)) {
+    return 0;
+  }
+  size_t theLength = kqvASCII_BlockSize - theMissing;
+  size_t theCutLength = qvUnicode_S_CutLength(anIn);
+  size_t theCut = (theCutLength + 1) / 2;  // characters
+  anOutput->PutBlock(anIn, theLength, qvUnicode_S_CountBlock(anIn) - theMissing - theCut);
+  return theLength - theCutLength;
+}
 
 // Takes the characters that begin in front of anEnd, and returns where the last one ends: less than anEnd
 // when a malformed one follows. Nothing behind aTextEnd is read; a terminated text may have it anywhere
@@ -185,28 +222,26 @@ static const uint8* qvUnicode_S_ReadPiece(const uint8* anIn, const uint8* anEnd,
                                           Output* anOutput) {
   Output theOutput = *anOutput;  // where nothing that is written can change it
   while (anIn < anEnd) {
-    size_t theLength = static_cast<size_t>(anEnd - anIn);
-    if (theLength >= kqvASCII_BlockSize) {
-      theLength = kqvASCII_BlockSize;
+    size_t theLeft = static_cast<size_t>(anEnd - anIn);
+    if (theLeft >= kqvASCII_BlockSize) {
       if (qvASCII_S_IsBlock(anIn)) {
         theOutput.PutASCII(anIn);
         anIn += kqvASCII_BlockSize;
         continue;
       }
-      if (*anIn >= 0xE0 && qvUnicode_S_AreTriples(anIn)) {
+      if (qvUnicode_S_AreTriples(anIn)) {
         theOutput.PutTriples(anIn);
         anIn += kqvUnicode_TriplesSize;
         continue;
       }
     }
-    const uint8* theNext = qvUnicode_S_CheckBlock(anIn, theLength, aTextEnd);
-    if (theNext != NULL) {
-      theOutput.PutValid(anIn, theNext);
-      anIn = theNext;
+    size_t theBlockLength = qvUnicode_S_ReadBlock(anIn, theLeft, &theOutput);
+    anIn += theBlockLength;
+    if (theBlockLength > 0) {
       continue;
     }
-    // Long forms, or malformed ones.
-    for (const uint8* theStop = anIn + theLength; anIn < theStop;) {
+    const uint8* theStop = anIn + (theLeft < kqvASCII_BlockSize ? theLeft : kqvASCII_BlockSize);
+    while (anIn < theStop) {
       uint32 theChar;
       size_t theTaken = qvUnicode_ReadUTF8Char(reinterpret_cast<const char*>(anIn),
                                                static_cast<size_t>(aTextEnd - anIn), &theChar);

@@ -326,6 +326,30 @@ TEST(qvUTFTexts, CharactersThatLieAcrossTheEndOfAPieceStayWhole) {
   }
 }
 
+TEST(qvUTFTexts, LeadsInFrontOfAnythingBecomeWideWhereverTheyStandInABlock) {
+  for (size_t theStart : {0, 1, 13, 14, 15, 16, 17}) {
+    for (uint32 theLead = 0x7F; theLead < 0x100; ++theLead) {
+      for (const char* theRest :
+           {"", "\x7F", "\x80", "\x8F\xBF", "\x90\x80", "\x9F\x80", "\xA0\x80", "\xBF\xC0", "\x80\x7F",
+            "\xBF\xBF\x80", "\x8F\xBF\xBF", "\x90\x80\x80", "\xC3\xA9"}) {
+        std::string theText(theStart, 'a');
+        theText += static_cast<char>(theLead);
+        theText += theRest;
+        theText += "bcdefghijklmnopqrst\xC3\xA9";
+        size_t theValidLength;
+        Chars theChars = DecodeAll(theText, &theValidLength);
+        bool theValidFlag = theValidLength == theText.size();
+        wchar_t theWide[64];
+        std::fill_n(theWide, 64, L'#');
+        size_t theCount = qvUnicode_UTF8ToWide(theWide, theText.c_str(), 64);
+        ASSERT_EQ(theValidFlag ? theChars.size() : kInvalid, theCount) << testing::PrintToString(theText);
+        ExpectWide(theChars, 64, theValidFlag, std::vector<wchar_t>(theWide, theWide + 64));
+        ASSERT_FALSE(HasFailure()) << testing::PrintToString(theText);
+      }
+    }
+  }
+}
+
 TEST(qvUTFTexts, ValidPartEndsInFrontOfTheFirstMalformedCharacter) {
   WithTexts(3, [](const std::string& aText, Texts& aTexts) {
     std::string theText = aText;
