@@ -2,22 +2,28 @@
 #ifndef QVRATOOLS_FORMAT_QVFORMATDECIMAL_P_H
 #define QVRATOOLS_FORMAT_QVFORMATDECIMAL_P_H
 
+#include <string.h>
+#include <wchar.h>
+
 #include "qvOS/qvTypes.h"
 
 // 00 to 99: two digits a division.
 extern const char kqvFormat_Pairs[];
 
 inline uint32 qvFormatDecimal_Length(uint32 aValue) {
-  static const uint32 kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+  static const uint32 kPowers[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
   // 1233 / 4096 is a little more than the decimal logarithm of 2.
   uint32 theGuess = static_cast<uint32>(32 - __builtin_clz(aValue | 1)) * 1233 >> 12;
-  return theGuess + (aValue >= kPowers[theGuess] || theGuess == 0);
+  return theGuess + (aValue >= kPowers[theGuess]);
 }
 
-template <typename Char>
-inline void qvFormatDecimal_WritePair(Char* aPlace, uint32 aValue) {
-  aPlace[0] = static_cast<Char>(kqvFormat_Pairs[aValue * 2]);
-  aPlace[1] = static_cast<Char>(kqvFormat_Pairs[aValue * 2 + 1]);
+inline void qvFormatDecimal_WritePair(wchar_t* aPlace, uint32 aValue) {
+  aPlace[0] = kqvFormat_Pairs[aValue * 2];
+  aPlace[1] = kqvFormat_Pairs[aValue * 2 + 1];
+}
+
+inline void qvFormatDecimal_WritePair(char* aPlace, uint32 aValue) {
+  memcpy(aPlace, kqvFormat_Pairs + static_cast<size_t>(aValue) * 2, 2);
 }
 
 // Writes all digits, at least one, so that they end at anEnd; returns the first.

@@ -8,13 +8,12 @@
 #include "qvraTools/format/qvFormatDirective_p.h"
 #include "qvraTools/format/qvFormatNumberOutput_p.h"
 #include "qvraTools/format/qvFormatOutput_p.h"
+#include "qvraTools/format/qvFormatPlain_p.h"
 #include "qvraTools/format/qvFormatSimple_p.h"
 #include "qvraTools/format/qvFormatText_p.h"
 #include "qvraTools/qvMalloc.h"
 
 #define kqvFormat_MaxErrorPosition (INT_MAX >> 8)
-
-#define kqvFormat_ShortText 8
 
 // Outputs up to this length are formatted once, longer ones twice.
 #define kqvFormat_ScratchLength 256
@@ -103,23 +102,6 @@ static void qvFormat_S_WriteValue(const qvFormatDirective& aDirective, const qvF
   }
 }
 
-// The text between two directives is mostly short, and a call costs more than to look at a few characters.
-static const char* qvFormat_S_FindPercent(const char* aText) {
-  for (int theIndex = 0; theIndex < kqvFormat_ShortText; ++theIndex, ++aText) {
-    if (*aText == '%' || *aText == '\0') {
-      return aText;
-    }
-  }
-  return strchrnul(aText, '%');
-}
-
-static const wchar_t* qvFormat_S_FindPercent(const wchar_t* aText) {
-  while (*aText != 0 && *aText != L'%') {
-    ++aText;
-  }
-  return aText;
-}
-
 // Carries out the directive whose "%" stands before aNext. Returns 0 with aNext behind it, or an error code
 // with aNext where it was found.
 template <typename Char>
@@ -129,7 +111,7 @@ static int qvFormat_S_WriteDirective(const Char*& aNext, qvFormatArguments* anAr
     anOutput->Put(*aNext++);
     return 0;
   }
-  // The short way is for log lines. Wide texts are rare, and it would be there once more for them.
+  // Wide texts are rare, and the short way would be there once more for them.
   if constexpr (sizeof(Char) == sizeof(char)) {
     if (qvFormatSimple_Write(aNext, anArguments, anOutput)) {
       return 0;
@@ -162,19 +144,16 @@ static int qvFormat_S_WriteDirective(const Char*& aNext, qvFormatArguments* anAr
 template <typename Char>
 static int qvFormat_S_WriteAll(const Char*& aNext, qvFormatArguments* anArguments,
                                qvFormatOutput<Char>* anOutput) {
-  int theError = 0;
   for (;;) {
-    const Char* thePercent = qvFormat_S_FindPercent(aNext);
-    anOutput->Append(aNext, static_cast<size_t>(thePercent - aNext));
-    aNext = thePercent;
+    qvFormatPlain_Write(aNext, anArguments, anOutput);
     if (anOutput->Count() > INT_MAX) {
       return VEXA_ERANGE;
     }
-    if (*thePercent == 0) {
+    if (*aNext == 0) {
       return 0;
     }
     ++aNext;
-    theError = qvFormat_S_WriteDirective(aNext, anArguments, anOutput);
+    int theError = qvFormat_S_WriteDirective(aNext, anArguments, anOutput);
     if (theError != 0) {
       return theError;
     }

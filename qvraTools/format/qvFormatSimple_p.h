@@ -1,9 +1,9 @@
-/* qvFormatSimple_p.h - the short way for what most formats are made of.
+/* qvFormatSimple_p.h - the short way for most other directives.
  *
  * %d %u %x %X %ld %lu %lld %llu %f %e %g, with at most a "0", a width and a precision of one or two
- * digits, and %s and %c alone: they are recognised and written at once, integers and texts straight into the
- * output. Everything else goes the general way, and so do integers when the room is small; it gives the same
- * for them. */
+ * digits, and %c alone: they are recognised and written at once, integers straight into the output.
+ * Everything else goes the general way, and so do integers when the room is small; it gives the same for
+ * them. */
 #ifndef QVRATOOLS_FORMAT_QVFORMATSIMPLE_P_H
 #define QVRATOOLS_FORMAT_QVFORMATSIMPLE_P_H
 
@@ -87,16 +87,6 @@ inline void qvFormatSimple_WriteLong(bool afNegative, uint64 aMagnitude, char aP
   qvFormatDecimal_Write(theEnd, theFirst);
 }
 
-// %s without anything, in the narrow family. Wide output converts its texts and goes the general way.
-inline bool qvFormatSimple_WriteText(qvFormatArguments* anArguments, qvFormatOutput<char>* anOutput) {
-  const void* theText = anArguments->TakeNextPointer();
-  const char* thePrinted = theText != nullptr ? static_cast<const char*>(theText) : "(nil)";
-  anOutput->Append(thePrinted, strlen(thePrinted));
-  return true;
-}
-
-inline bool qvFormatSimple_WriteText(qvFormatArguments*, qvFormatOutput<wchar_t>*) { return false; }
-
 // What stands between "%" and the letters.
 template <typename Char>
 struct qvFormatSimpleStart {
@@ -169,10 +159,6 @@ inline bool qvFormatSimple_Write(const Char*& aNext, qvFormatArguments* anArgume
                                  qvFormatOutput<Char>* anOutput) {
   if (!anArguments->IsInOrder()) {
     return false;
-  }
-  if (*aNext == 's' && qvFormatSimple_WriteText(anArguments, anOutput)) {
-    ++aNext;
-    return true;
   }
   if (*aNext == 'c') {
     anOutput->Put(static_cast<Char>(static_cast<unsigned char>(anArguments->TakeNextInt())));

@@ -267,6 +267,8 @@ TEST(qvFormatErrors, RangeIsAnOutputThatNoIntCounts) {
   EXPECT_EQ(INT_MAX, qv_snprintf(theBuffer, sizeof theBuffer, "%2147483647d", 1));
   ExpectFormatted("error 7 at 13", "%2147483647dx", 1);
   ExpectFormatted("error 7 at 13", "x%2147483647d", 1);
+  ExpectFormatted("error 7 at 14", "%2147483647d%d%d", 1, 2, 3);
+  ExpectFormatted("error 7 at 14", "%2147483647d%s%s", 1, "a", "b");
   ExpectFormatted("error 7 at 13", "%.2147483647f", 1.5);
   ExpectFormatted("error 7 at 13", "%.2147483647e", 1.5);
   ExpectFormatted("error 7 at 13", "%.2147483647a", 1.5);
