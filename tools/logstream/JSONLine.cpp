@@ -30,6 +30,38 @@ static int JSONLine_S_CodeUnit(std::string_view aText, size_t anOffset) {
   return theUnit;
 }
 
+// Takes the sign off the start, if it is one of aSigns.
+static bool JSONLine_S_TakeSign(std::string_view& aText, std::string_view aSigns) {
+  if (aText.empty() || aSigns.find(aText.front()) == std::string_view::npos) {
+    return false;
+  }
+  aText.remove_prefix(1);
+  return true;
+}
+
+static bool JSONLine_S_TakeDigits(std::string_view& aText) {
+  size_t theLength = aText.find_first_not_of("0123456789");
+  theLength = theLength == std::string_view::npos ? aText.size() : theLength;
+  aText.remove_prefix(theLength);
+  return theLength > 0;
+}
+
+// 0, 12, -0.5, 1e9, 1.5E-3; but 012, .5, 1. and +1 are none.
+static bool JSONLine_S_IsNumber(std::string_view aText) {
+  JSONLine_S_TakeSign(aText, "-");
+  if (!JSONLine_S_TakeSign(aText, "0") && !JSONLine_S_TakeDigits(aText)) {
+    return false;
+  }
+  if (JSONLine_S_TakeSign(aText, ".") && !JSONLine_S_TakeDigits(aText)) {
+    return false;
+  }
+  if (JSONLine_S_TakeSign(aText, "eE")) {
+    JSONLine_S_TakeSign(aText, "+-");
+    return JSONLine_S_TakeDigits(aText) && aText.empty();
+  }
+  return aText.empty();
+}
+
 // Blanks, then aSign.
 bool JSONLine::Skip(char aSign) {
   while (!mLeft.empty() && JSONLine_S_IsBlank(mLeft.front())) {
@@ -78,8 +110,7 @@ bool JSONLine::TakePlain(JSONMember* aMember) {
     return true;
   }
   aMember->mKind = JSONKind_Number;
-  return !aMember->mValue.empty() &&
-         aMember->mValue.find_first_not_of("0123456789+-.eE") == std::string_view::npos;
+  return JSONLine_S_IsNumber(aMember->mValue);
 }
 
 bool JSONLine::TakeMember(JSONMember* aMember) {

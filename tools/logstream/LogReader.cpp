@@ -86,8 +86,9 @@ bool LogReader::ReadJSON(std::string_view aLine, LogRecord* aRecord) {
     if (!TakeJSONMember(theMember, aRecord, &theIsKnown)) {
       return false;
     }
-    theHasTime |= theMember.mKey == "ts";
-    theHasContent |= theMember.mKey == "msg" || theMember.mKey == "event";
+    // Others write numbers under these names.
+    theHasTime |= theIsKnown && theMember.mKey == "ts";
+    theHasContent |= theIsKnown && (theMember.mKey == "msg" || theMember.mKey == "event");
     theIsAllKnown &= theIsKnown;
   }
   if (!theHasContent || !theLine.IsComplete() || !(theHasTime || theIsAllKnown)) {

@@ -131,10 +131,11 @@ bool LogReader::ReadShort(std::string_view aLine, LogRecord* aRecord) {
   }
   // Both stamps show the clock in the same order, the day in front of it.
   mStamp.assign(aLine.substr(theIsISO ? kClockInISO : kClockInShort, kClockLength));
-  if (mStamp[kPointInClock] == '.') {
+  if (mStamp[kPointInClock] == '.' &&
+      mStamp.find_first_not_of("0123456789", kPointInClock + 1) == std::string::npos) {
     mStamp[kPointInClock] = ':';
   } else {
-    mStamp.clear();  // whole seconds, which the printer does not write
+    mStamp.clear();  // no milliseconds, which the printer does not write
   }
   return ReadShortLine(mStamp, theRest.substr(1), aRecord);
 }

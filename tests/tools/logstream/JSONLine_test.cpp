@@ -70,6 +70,16 @@ TEST(JSONLine, WhatIsNoFlatObjectIsAFault) {
   }
 }
 
+TEST(JSONLine, ANumberIsWrittenAsJSONHasIt) {
+  for (const char* theNumber : {"0", "-0", "12", "-12.50", "0.5", "1e9", "1E+9", "1.5e-03"}) {
+    EXPECT_EQ("a=" + std::string(theNumber) + " ", Members("{\"a\":" + std::string(theNumber) + "}"));
+  }
+  for (const char* theNumber :
+       {"012", "+1", "-", ".5", "1.", "1.e5", "1e", "1e+", "1-1", "--1", "1.5.5", "1e5e5"}) {
+    EXPECT_EQ("!", Members("{\"a\":" + std::string(theNumber) + "}")) << theNumber;
+  }
+}
+
 TEST(JSONLine, EscapesBecomeTheirCharacters) {
   EXPECT_EQ("a\"\\/\b\f\n\r\tz", Unescaped("a\\\"\\\\\\/\\b\\f\\n\\r\\tz"));
   EXPECT_EQ(std::string("\0\x1B", 2), Unescaped("\\u0000\\u001b"));

@@ -181,6 +181,9 @@ TEST_F(LogReaderTest, WhatIsInNoFormIsTextAlone) {
                               "{\"msg\":\"no time\",\"x\":1}",
                               "{\"ts\":\"2026-11-21T14:03:07Z\",\"x\":1}",
                               "{\"ts\":\"noon\",\"msg\":\"t\"}",
+                              "{\"ts\":1795269787.042,\"msg\":\"a time of others\",\"x\":1}",
+                              "{\"ts\":\"2026-11-21T14:03:07Z\",\"msg\":5}",
+                              "{\"ts\":\"2026-11-21T14:03:07Z\",\"event\":true}",
                               "{}",
                               "{\"ts\":\"2026-11-21",
                               "{\"ts\":\"2026-11-21T14:03:07Z\",\"event\":\"unknown\"}",
@@ -213,6 +216,12 @@ TEST_F(LogReaderTest, TheRawLineIsPutTogetherAgain) {
             Read("Nov 21 14:03:07.042 p I 0000000170 b6f2a000: text").mRaw);
   EXPECT_EQ("I 15:03:07:042|b6f2a000|GRAPHICS   text",
             Read("2026-11-21T15:03:07.042123+01:00 p I GRAPHICS b6f2a000: text").mRaw);
+}
+
+TEST_F(LogReaderTest, AStampWithoutMillisecondsGivesNoRawLine) {
+  for (std::string theClock : {"14:03:07", "14:03:07.0", "14:03:07.04"}) {
+    EXPECT_EQ("text", Read("2026-11-21T" + theClock + "Z p I GRAPHICS b6f2a000: text").mRaw) << theClock;
+  }
 }
 
 TEST_F(LogReaderTest, TheRawLineOfWhatCameWithoutPrefixIsItsText) {
