@@ -1,190 +1,112 @@
-// Whatever a record holds, its line in the text forms has no control character but tabs and its line end, and
-// is valid UTF-8; its JSON is one valid object that gives valid text back unchanged; and raw gives back the
-// bytes.
+// Every form of a record is what its description says, to the byte, and its JSON is one valid object with the
+// members that it says. But for raw no control character but tabs gets out, and nothing that is not UTF-8.
 #include "tools/logstream/LogPrinter.h"
 
 #include "FuzzInput.h"
+#include "JSONModel.h"
+#include "LogLineModel.h"
+#include "TextModel.h"
 #include "tools/logstream/LogEscape.h"
 
-// --- Naive readers of UTF-8 and JSON, to judge by
-
-// Takes one character off the text; false when it does not begin with a valid one.
-static bool TakeCharacter(std::string_view& aText, uint32_t* aCharacter) {
-  if (aText.empty()) {
-    return false;
-  }
-  unsigned int theLead = static_cast<unsigned char>(aText[0]);
-  size_t theLength = theLead < 0x80       ? 1
-                     : theLead >> 5 == 6  ? 2
-                     : theLead >> 4 == 14 ? 3
-                     : theLead >> 3 == 30 ? 4
-                                          : 0;
-  if (theLength == 0 || aText.size() < theLength) {
-    return false;
-  }
-  uint32_t theCharacter = theLength == 1 ? theLead : theLead & (0xFFu >> (theLength + 1));
-  for (size_t i = 1; i < theLength; ++i) {
-    unsigned int theByte = static_cast<unsigned char>(aText[i]);
-    if (theByte >> 6 != 2) {
-      return false;
-    }
-    theCharacter = (theCharacter << 6) | (theByte & 0x3F);
-  }
-  static const uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  if (theCharacter < kSmallest[theLength] || theCharacter > 0x10FFFF || theCharacter >> 11 == 0x1B) {
-    return false;
-  }
-  aText.remove_prefix(theLength);
-  *aCharacter = theCharacter;
-  return true;
-}
-
-static bool IsUTF8(std::string_view aText) {
-  uint32_t theCharacter;
-  while (!aText.empty()) {
-    if (!TakeCharacter(aText, &theCharacter)) {
-      return false;
-    }
-  }
-  return true;
-}
-
-// Whether it is UTF-8 without control characters but the tab, unless afTab is not set.
-static bool IsHarmless(std::string_view aText, bool afTab) {
-  uint32_t theCharacter;
-  while (!aText.empty()) {
-    if (!TakeCharacter(aText, &theCharacter)) {
-      return false;
-    }
-    bool theIsControl = theCharacter < 0x20 || (theCharacter >= 0x7F && theCharacter < 0xA0);
-    if (theIsControl && !(theCharacter == '\t' && afTab)) {
-      return false;
-    }
-  }
-  return true;
-}
-
-static char Take(std::string_view& aText) {
-  FUZZ_REQUIRE(!aText.empty());
-  char theChar = aText[0];
-  aText.remove_prefix(1);
-  return theChar;
-}
-
-static void AppendEscaped(std::string_view& aText, std::string& aOut) {
-  static const char kNames[] = "\"\\/bfnrt";
-  static const char kBytes[] = "\"\\/\b\f\n\r\t";
-  char theName = Take(aText);
-  if (theName != 'u') {
-    const char* theFound = strchr(kNames, theName);
-    FUZZ_REQUIRE(theName != 0 && theFound != nullptr);
-    aOut += kBytes[theFound - kNames];
-    return;
-  }
-  FUZZ_REQUIRE(aText.size() >= 4);
-  std::string theDigits(aText.substr(0, 4));
-  FUZZ_REQUIRE(theDigits.find_first_not_of("0123456789abcdef") == std::string::npos);
-  unsigned long theCharacter = strtoul(theDigits.c_str(), nullptr, 16);
-  FUZZ_REQUIRE(theCharacter < 0x800);  // nothing else needs an escape
-  aText.remove_prefix(4);
-  if (theCharacter < 0x80) {
-    aOut += static_cast<char>(theCharacter);
-  } else {
-    aOut += static_cast<char>(0xC0 | (theCharacter >> 6));
-    aOut += static_cast<char>(0x80 | (theCharacter & 0x3F));
-  }
-}
-
-static std::string TakeString(std::string_view& aText) {
-  FUZZ_REQUIRE(Take(aText) == '"');
-  std::string theOut;
-  for (;;) {
-    char theChar = Take(aText);
-    if (theChar == '"') {
-      return theOut;
-    }
-    FUZZ_REQUIRE(static_cast<unsigned char>(theChar) >= 0x20);
-    if (theChar == '\\') {
-      AppendEscaped(aText, theOut);
-    } else {
-      theOut += theChar;
-    }
-  }
-}
-
-// The text of the member of that name in an object of strings, whole numbers and truths; "" when it lacks.
-static std::string Member(std::string_view anObject, const std::string& aName) {
-  std::string theFound;
-  FUZZ_REQUIRE(Take(anObject) == '{');
-  for (;;) {
-    std::string theName = TakeString(anObject);
-    FUZZ_REQUIRE(Take(anObject) == ':');
-    std::string theValue;
-    if (!anObject.empty() && anObject[0] == '"') {
-      theValue = TakeString(anObject);
-    } else {
-      theValue = std::string(anObject.substr(0, anObject.find_first_of(",}")));
-      anObject.remove_prefix(theValue.size());
-      FUZZ_REQUIRE(theValue == "true" ||
-                   (!theValue.empty() && theValue.find_first_not_of("0123456789") == std::string::npos));
-    }
-    theFound = theName == aName ? theValue : theFound;
-    char theNext = Take(anObject);
-    if (theNext == '}') {
-      FUZZ_REQUIRE(anObject.empty());
-      return theFound;
-    }
-    FUZZ_REQUIRE(theNext == ',');
-  }
-}
-
-// --- What is required
-
-static std::string Printed(LogForm aForm, const LogRecord& aRecord, bool afTerminal) {
-  LogPrinter thePrinter(aForm, false, afTerminal);
+// The line without its line end.
+static std::string Printed(LogForm aForm, const LogRecord& aRecord, bool afColor, bool afTerminal) {
+  LogPrinter thePrinter(aForm, afColor, afTerminal);
   std::string theOut = "before";
   thePrinter.Print(aRecord, theOut);
   FUZZ_REQUIRE(theOut.compare(0, 6, "before") == 0);
-  return theOut.substr(6);
+  theOut.erase(0, 6);
+  const bool theIsBare = aForm == LogForm_Cat || aForm == LogForm_Raw;
+  if (theIsBare && aRecord.mKind != LogRecordKind_Line) {
+    FUZZ_REQUIRE(theOut.empty());
+    return theOut;
+  }
+  FUZZ_REQUIRE(!theOut.empty() && theOut.back() == '\n');
+  theOut.pop_back();
+  return theOut;
 }
 
-static void CheckTextForms(const LogRecord& aRecord) {
-  const bool theIsLine = aRecord.mKind == LogRecordKind_Line;
-  for (LogForm theForm : {LogForm_Short, LogForm_ShortISO, LogForm_Cat, LogForm_Raw}) {
-    std::string theLine = Printed(theForm, aRecord, true);
-    if (!theIsLine && (theForm == LogForm_Cat || theForm == LogForm_Raw)) {
-      FUZZ_REQUIRE(theLine.empty());
-      continue;
-    }
-    FUZZ_REQUIRE(!theLine.empty() && theLine.back() == '\n');
-    theLine.pop_back();
-    FUZZ_REQUIRE(IsHarmless(theLine, true));
+// The first colour of a line that begins with its sender: any of those that are neither dark nor a level's.
+static std::string SenderColor(const std::string& aLine) {
+  size_t theStart = aLine.find("\x1B[");
+  FUZZ_REQUIRE(theStart != std::string::npos);
+  std::string theColor = aLine.substr(theStart, aLine.find('m', theStart) + 1 - theStart);
+  bool theIsFit = false;
+  for (const char* theNumber : {"32", "35", "36", "92", "94", "95", "96"}) {
+    theIsFit |= theColor == std::string("\x1B[") + theNumber + "m";
   }
-  if (theIsLine) {
-    FUZZ_REQUIRE(Printed(LogForm_Raw, aRecord, false) == std::string(aRecord.mRaw) + "\n");
+  FUZZ_REQUIRE(theIsFit);
+  return theColor;
+}
+
+// Every instance of a process has its colour.
+static std::string ColorOfProcess(std::string_view aProcess) {
+  LogRecord theOther;
+  theOther.mProcess = aProcess;
+  theOther.mUUID = "99999999-0000-1000-8000-0123456789ab";
+  return SenderColor(Printed(LogForm_Short, theOther, true, true));
+}
+
+static void CheckTextForm(LogForm aForm, const LogRecord& aRecord, const TimeModel& aTimes) {
+  std::string theLine = Printed(aForm, aRecord, false, true);
+  FUZZ_REQUIRE(theLine == LogLineModel_Text(aForm, aRecord, aTimes, true, {}));
+  FUZZ_REQUIRE(TextModel_IsHarmless(theLine, true));
+}
+
+static void CheckColors(LogForm aForm, const LogRecord& aRecord, const TimeModel& aTimes) {
+  LogLineColors theColors;
+  if (aForm == LogForm_Short || aForm == LogForm_ShortISO) {
+    theColors.mSender = ColorOfProcess(aRecord.mProcess);
+  }
+  theColors.mLevel = aRecord.mLevel == 'E'   ? "\x1B[1;31m"
+                     : aRecord.mLevel == 'W' ? "\x1B[33m"
+                     : aRecord.mLevel == 'D' ? "\x1B[2m"
+                                             : "";
+  FUZZ_REQUIRE(Printed(aForm, aRecord, true, true) ==
+               LogLineModel_Text(aForm, aRecord, aTimes, true, theColors));
+}
+
+static void CheckJSON(const LogRecord& aRecord, const TimeModel& aTimes) {
+  std::string theLine = Printed(LogForm_JSON, aRecord, true, true);
+  FUZZ_REQUIRE(TextModel_IsHarmless(theLine, false));
+  std::vector<JSONModelMember> theMembers;
+  FUZZ_REQUIRE(JSONModel_Read(theLine, &theMembers));
+  std::vector<JSONModelMember> theExpected = LogLineModel_Members(aRecord, aTimes);
+  FUZZ_REQUIRE(theMembers.size() == theExpected.size());
+  for (size_t i = 0; i < theMembers.size(); ++i) {
+    FUZZ_REQUIRE(theMembers[i].mKey == theExpected[i].mKey);
+    FUZZ_REQUIRE(theMembers[i].mKind == theExpected[i].mKind);
+    FUZZ_REQUIRE(theMembers[i].mValue == theExpected[i].mValue);
   }
 }
 
-static void CheckJSON(const LogRecord& aRecord) {
-  std::string theLine = Printed(LogForm_JSON, aRecord, false);
-  FUZZ_REQUIRE(!theLine.empty() && theLine.back() == '\n');
-  theLine.pop_back();
-  FUZZ_REQUIRE(IsHarmless(theLine, false));
-  std::string theText = Member(theLine, "msg");
-  FUZZ_REQUIRE(aRecord.mKind != LogRecordKind_Line || !IsUTF8(aRecord.mText) || theText == aRecord.mText);
-  FUZZ_REQUIRE(!IsUTF8(aRecord.mProcess) || Member(theLine, "process") == aRecord.mProcess);
+// One printer prints line after line, and the second of the last one is remembered.
+static void CheckTimes(int64_t aTime, int64_t aNext, const TimeModel& aTimes) {
+  LogTimeText theText;
+  const std::string theExpected[] = {aTimes.Short(aTime), aTimes.ISO(aNext), aTimes.Short(aNext)};
+  for (int i = 0; i < 3; ++i) {
+    std::string theOut = "@";
+    bool theIsKnown =
+        i == 1 ? theText.AppendISO(aNext, theOut) : theText.AppendShort(i == 0 ? aTime : aNext, theOut);
+    FUZZ_REQUIRE(theIsKnown == !theExpected[i].empty());
+    FUZZ_REQUIRE(theOut == "@" + theExpected[i]);
+  }
 }
 
 static void CheckField(std::string_view aText) {
   std::string theField;
   LogEscape_AppendField(aText, theField);
-  FUZZ_REQUIRE(IsHarmless(theField, false) && theField.find(' ') == std::string::npos);
+  FUZZ_REQUIRE(theField == TextModel_Word(aText));
   std::string theRead;
   FUZZ_REQUIRE(LogEscape_ReadField(theField, &theRead) && theRead == aText);
+  std::string theExpected;
+  bool theIsField = TextModel_ReadWord(aText, &theExpected);
+  FUZZ_REQUIRE(LogEscape_ReadField(aText, &theRead) == theIsField);
+  FUZZ_REQUIRE(!theIsField || theRead == theExpected);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   FuzzInput theInput(aBytes, aLength);
+  const TimeModel theTimes(0, TimeModel_SetZone(theInput.Byte()));
   static const char kLevels[] = {0, 'E', 'W', 'I', 'D'};
   LogRecord theRecord;
   theRecord.mKind = static_cast<LogRecordKind>(theInput.Byte() % 8);
@@ -206,8 +128,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   theRecord.mModule = theModule;
   theRecord.mText = theText;
   theRecord.mRaw = theText;
-  CheckTextForms(theRecord);
-  CheckJSON(theRecord);
+  static const LogForm kForms[] = {LogForm_Short, LogForm_ShortISO, LogForm_Cat, LogForm_Raw};
+  for (LogForm theForm : kForms) {
+    CheckTextForm(theForm, theRecord, theTimes);
+  }
+  CheckColors(kForms[theBits >> 4 & 3], theRecord, theTimes);
+  FUZZ_REQUIRE(theRecord.mKind != LogRecordKind_Line ||
+               Printed(LogForm_Raw, theRecord, false, false) == theText);
+  CheckJSON(theRecord, theTimes);
+  const uint64_t theNext =
+      static_cast<uint64_t>(theRecord.mTime) + theRecord.mCount % 4000000;  // seconds later
+  CheckTimes(theRecord.mTime, static_cast<int64_t>(theNext), theTimes);
   CheckField(theProcess);
   CheckField(theText);
   return 0;
