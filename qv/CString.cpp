@@ -235,38 +235,28 @@ void qvCString::AssignCopy(size_t aLength, const char* aStr) {
   }
 }
 
-// For an ordinary text with one owner and room for so much; aPtr is its characters.
-static void qvCString_S_Append(qvCStringData* aData, char* aPtr, const char* aStr, size_t aLength) {
-  const size_t theOldLength = aData->mStringLength;
-  memmove(aPtr + theOldLength, aStr, aLength);
-  aPtr[theOldLength + aLength] = '\0';
-  aData->mStringLength = static_cast<uint32>(theOldLength + aLength);
-}
-
 void qvCString::ConcatSelf(size_t aLength, const char* aStr, size_t aMaxLength) {
   const size_t theCount = std::min(aLength, aMaxLength);
   if (theCount == 0) {
     return;
   }
-  if (HasRoomToAppend(theCount)) {
-    qvCString_S_Append(mCStringData, mStringPtr, aStr, theCount);
-    return;
-  }
   const size_t theOldLength = length();
   const size_t theNewStringLength = JoinedLength(theOldLength, theCount);
-  qvCString theOld;  // a shared text, held until the end because aStr may lie in it
-  if (mCStringData->IsShared()) {
-    Swap(theOld);
+  if (mCStringData->IsShared() || mCStringData->IsEmpty()) {
+    qvCStringData* theOldData = mCStringData;  // held until the end because aStr may lie in it
+    const char* theOldPtr = mStringPtr;
     AllocBuffer(theNewStringLength);
-    memcpy(mStringPtr, theOld.mStringPtr, theOldLength);
-    mCStringData->mStringLength = static_cast<uint32>(theOldLength);
-  } else if (mCStringData->mAllocatedLength < theNewStringLength) {
+    memcpy(mStringPtr, theOldPtr, theOldLength);
+    memcpy(mStringPtr + theOldLength, aStr, theCount);
+    theOldData->Unlock();
+    return;
+  }
+  if (mCStringData->mAllocatedLength < theNewStringLength) {
     // A source inside the own block moves with it.
     const uintptr_t theOffset = reinterpret_cast<uintptr_t>(aStr) - reinterpret_cast<uintptr_t>(mStringPtr);
-    const bool thefInside = theOffset <= theOldLength;
-    Alloc(theNewStringLength);
-    aStr = thefInside ? mStringPtr + theOffset : aStr;
+    GrowBlock(theNewStringLength);
+    aStr = theOffset <= theOldLength ? mStringPtr + theOffset : aStr;
   }
   qvAssert(theNewStringLength <= mCStringData->mAllocatedLength);
-  qvCString_S_Append(mCStringData, mStringPtr, aStr, theCount);
+  AppendInPlace(theCount, aStr);
 }

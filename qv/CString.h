@@ -204,11 +204,11 @@ class QVLOG_API qvCString {
 
   /* The argument may be the string itself or a part of its text; null adds nothing. */
   qvCString& operator+=(const qvCString& aCString) {
-    ConcatSelf(aCString.length(), aCString.mStringPtr, npos);
+    Append(aCString.length(), aCString.mStringPtr);
     return *this;
   }
   qvCString& operator+=(const char* aStr) {
-    ConcatSelf(LengthOf(aStr), aStr, npos);
+    Append(LengthOf(aStr), aStr);
     return *this;
   }
   /* One byte, '\0' included. */
@@ -430,6 +430,22 @@ class QVLOG_API qvCString {
   bool HasRoomToAppend(size_t aLength) const {
     return mCStringData->mRefCount == 1 &&
            aLength <= mCStringData->mAllocatedLength - mCStringData->mStringLength;
+  }
+
+  /* For a text of one owner with so much room. */
+  void AppendInPlace(size_t aLength, const char* aStr) {
+    char* theEnd = mStringPtr + mCStringData->mStringLength;
+    memmove(theEnd, aStr, aLength);
+    theEnd[aLength] = '\0';
+    mCStringData->mStringLength += static_cast<uint32>(aLength);
+  }
+
+  void Append(size_t aLength, const char* aStr) {
+    if (aLength > 0 && HasRoomToAppend(aLength)) {
+      AppendInPlace(aLength, aStr);
+    } else {
+      ConcatSelf(aLength, aStr, npos);
+    }
   }
 
   void GrowBlock(size_t aLength);

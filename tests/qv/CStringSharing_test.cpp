@@ -442,6 +442,15 @@ TEST(qvCStringSharing, AssignCopyTakesBytesAndNothingGivesTheEmptyText) {
   EXPECT_TRUE(IsSharedEmptyText(theString));
 }
 
+TEST(qvCStringSharing, ConcatSelfUsesTheRoomThatIsLeft) {
+  OpenCString theString("a");
+  const qvCStringData* theData = theString.mCStringData;
+  theString.ConcatSelf(18, "234567890123456789", qvCString::npos);
+  EXPECT_EQ("a234567890123456789", TextOf(theString));
+  EXPECT_EQ(theData, theString.mCStringData);
+  EXPECT_EQ(19u, CapacityOf(theString));
+}
+
 TEST(qvCStringSharing, ConcatSelfAppendsTheSmallerOfBothLengths) {
   OpenCString theString("abc");
   theString.ConcatSelf(3, "defghi", 6);

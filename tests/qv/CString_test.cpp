@@ -344,6 +344,12 @@ TEST(qvCString, APartOfItselfCanBeAppendedWhenTheBlockHasToGrow) {
   EXPECT_EQ("0123456789abcdefghijklmnoabcdefghijklmno", TextOf(theString));
 }
 
+TEST(qvCString, APartOfItselfCanBeAppendedWhereThereIsRoom) {
+  qvCString theString("0123456789");
+  theString += theString.c_str() + 4;
+  EXPECT_EQ("0123456789456789", TextOf(theString));
+}
+
 TEST(qvCString, AWrappedTextCanBeAppendedToItself) {
   qvCString theString(qvCString::FromAllocatedString(qvStrdup("abc")));
   theString += theString.c_str() + 1;
