@@ -362,10 +362,21 @@ TEST(qvConvertFraction, CleanupReducesAFraction) {
 }
 
 TEST(qvConvertFraction, CleanupKeepsWhatDiffersByMoreThanItsPrecision) {
-  char* theText = nullptr;
-  EXPECT_EQ(0, qvConvert_cleanupfraction("10000000/970000001", 2147483647, &theText));
-  EXPECT_STREQ("10000000/970000001", theText) << "1e-11 away from 1/97";
-  qvFree(theText);
+  const struct {
+    const char* mText;
+    const char* mCleaned;
+    const char* mWhy;
+  } kCases[] = {
+      {"10000000/970000001", "10000000/970000001", "1e-11 away from 1/97"},
+      {"26667/1333350001", "26667/1333350001", "1.5e-14 away from 1/50000"},
+      {"14286/1428600001", "1/100000", "0.7e-14 away from it"},
+  };
+  for (const auto& theCase : kCases) {
+    char* theText = nullptr;
+    EXPECT_EQ(0, qvConvert_cleanupfraction(theCase.mText, 2147483647, &theText));
+    EXPECT_STREQ(theCase.mCleaned, theText) << theCase.mWhy;
+    qvFree(theText);
+  }
 }
 
 TEST(qvConvertFraction, CleanupOfNoFractionReturnsOne) {
