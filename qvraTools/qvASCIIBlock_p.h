@@ -27,6 +27,7 @@ inline size_t qvASCII_S_LoadWord(const void* aBytes, size_t aNumber) {
 template <size_t kSize>
 inline bool qvASCII_S_AreClear(const void* aBytes, size_t aMask) {
   size_t theBits = 0;
+#pragma GCC unroll 16
   for (size_t i = 0; i < kSize / sizeof(size_t); ++i) {
     theBits |= qvASCII_S_LoadWord(aBytes, i);
   }

@@ -17,43 +17,52 @@
 #define kqvUnicode_GroupMaxSize (8 * 6)     /* bytes                                               */
 #define kqvUnicode_ValueMask    0x7FFFFFFFu /* bit 31 is ignored, so that no character has 7 bytes */
 
+static inline bool qvUnicode_S_IsASCIIBlock(const wchar_t* aChars) {
+  return qvASCII_S_AreClear<kqvASCII_BlockSize * sizeof(wchar_t)>(aChars, kqvASCII_OfChars(0xFFFFFF80u));
+}
+
+// How many bytes a character has behind the first.
+static inline uint32 qvUnicode_S_BytesBehindFirst(wchar_t aChar) {
+  int32 theChar = static_cast<int32>(static_cast<uint32>(aChar) & kqvUnicode_ValueMask);
+  return static_cast<uint32>((theChar > 0x7F) + (theChar > 0x7FF) + (theChar > 0xFFFF) +
+                             (theChar > 0x1FFFFF) + (theChar > 0x3FFFFFF));
+}
+
+static size_t qvUnicode_S_CountPiece(const wchar_t* anIn, size_t aLength) {
+  size_t theCount = aLength;
+  size_t theBlockLength;
+  for (const wchar_t* theEnd = anIn + aLength; anIn < theEnd; anIn += theBlockLength) {
+    size_t theLeft = static_cast<size_t>(theEnd - anIn);
+    theBlockLength = theLeft < kqvASCII_BlockSize ? theLeft : kqvASCII_BlockSize;
+    if (theBlockLength == kqvASCII_BlockSize && qvUnicode_S_IsASCIIBlock(anIn)) {
+      continue;
+    }
+    uint32 theOthers = 0;
+    for (size_t i = 0; i < theBlockLength; ++i) {
+      theOthers += qvUnicode_S_BytesBehindFirst(anIn[i]);
+    }
+    theCount += theOthers;
+  }
+  return theCount;
+}
+
 static size_t qvUnicode_S_CountBytes(const wchar_t* anIn) {
   size_t theCount = 0;
   size_t theLength;
   do {
     theLength = wcsnlen(anIn, kqvUnicode_PieceSize);
-    uint32 theLongForms = 0;  // bytes but the first of each character
-    for (size_t i = 0; i < theLength; ++i) {
-      int32 theChar = static_cast<int32>(static_cast<uint32>(anIn[i]) & kqvUnicode_ValueMask);
-      theLongForms += static_cast<uint32>((theChar > 0x7F) + (theChar > 0x7FF) + (theChar > 0xFFFF) +
-                                          (theChar > 0x1FFFFF) + (theChar > 0x3FFFFFF));
-    }
-    theCount += theLength + theLongForms;
+    theCount += qvUnicode_S_CountPiece(anIn, theLength);
     anIn += theLength;
   } while (theLength == kqvUnicode_PieceSize);
   return theCount;
 }
 
-static inline bool qvUnicode_S_IsASCIIBlock(const wchar_t* aChars) {
-  return qvASCII_S_AreClear<kqvASCII_BlockSize * sizeof(wchar_t)>(aChars, kqvASCII_OfChars(0xFFFFFF80u));
-}
-
-// Narrows blocks of ASCII as long as they follow each other and fit.
-static const wchar_t* qvUnicode_S_NarrowBlocks(char** anOut, const char* anOutEnd, const wchar_t* anIn,
-                                               const wchar_t* anEnd) {
-  char* theOut = *anOut;
-  while (anEnd - anIn >= kqvASCII_BlockSize && anOutEnd - theOut >= kqvASCII_BlockSize &&
-         qvUnicode_S_IsASCIIBlock(anIn)) {
-    wchar_t theChars[kqvASCII_BlockSize];
-    memcpy(theChars, anIn, sizeof(theChars));
-    for (size_t i = 0; i < kqvASCII_BlockSize; ++i) {
-      theOut[i] = static_cast<char>(theChars[i]);
-    }
-    theOut += kqvASCII_BlockSize;
-    anIn += kqvASCII_BlockSize;
+static inline void qvUnicode_S_NarrowBlock(char* anOut, const wchar_t* aChars) {
+  char theBytes[kqvASCII_BlockSize];
+  for (size_t i = 0; i < kqvASCII_BlockSize; ++i) {
+    theBytes[i] = static_cast<char>(aChars[i]);
   }
-  *anOut = theOut;
-  return anIn;
+  memcpy(anOut, theBytes, sizeof(theBytes));
 }
 
 // Encodes the characters in front of anEnd and stops in front of the first one that does not fit whole: there
@@ -64,17 +73,20 @@ static size_t qvUnicode_S_EncodePiece(char* anOut, size_t aRoom, const wchar_t**
   const char* theOutEnd = anOut + (aRoom < kqvUnicode_PieceMaxSize ? aRoom : kqvUnicode_PieceMaxSize);
   const wchar_t* theNext = *aNext;
   char* theOut = anOut;
-  theNext = qvUnicode_S_NarrowBlocks(&theOut, theOutEnd, theNext, anEnd);
-  while (anEnd - theNext >= kqvUnicode_GroupSize && theOutEnd - theOut >= kqvUnicode_GroupMaxSize) {
-    uint32 theBits = 0;
-    for (size_t i = 0; i < kqvUnicode_GroupSize; ++i) {
-      uint32 theChar = static_cast<uint32>(theNext[i]) & kqvUnicode_ValueMask;
-      theBits |= theChar;
-      theOut = qvUTF_S_Write(theOut, theChar);
-    }
-    theNext += kqvUnicode_GroupSize;
-    if (theBits < 0x80) {
-      theNext = qvUnicode_S_NarrowBlocks(&theOut, theOutEnd, theNext, anEnd);
+  for (;;) {
+    ptrdiff_t theLeft = anEnd - theNext;
+    ptrdiff_t theRoom = theOutEnd - theOut;
+    if (theLeft >= kqvASCII_BlockSize && theRoom >= kqvASCII_BlockSize && qvUnicode_S_IsASCIIBlock(theNext)) {
+      qvUnicode_S_NarrowBlock(theOut, theNext);
+      theNext += kqvASCII_BlockSize;
+      theOut += kqvASCII_BlockSize;
+    } else if (theLeft >= kqvUnicode_GroupSize && theRoom >= kqvUnicode_GroupMaxSize) {
+      for (size_t i = 0; i < kqvUnicode_GroupSize; ++i) {
+        theOut = qvUTF_S_Write(theOut, static_cast<uint32>(theNext[i]) & kqvUnicode_ValueMask);
+      }
+      theNext += kqvUnicode_GroupSize;
+    } else {
+      break;
     }
   }
   for (; theNext < anEnd; ++theNext) {
