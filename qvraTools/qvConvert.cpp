@@ -47,6 +47,12 @@ constexpr DigitTable kDigits;
 
 }  // namespace
 
+// What a byte is worth as a digit; at least aBase if it is none.
+QVCONVERT_INLINE uint32 qvConvert_S_Digit(char aChar, uint32 aBase) {
+  // Decimal digits are computed sooner than they are looked up, and most numbers have no others.
+  return aBase == 10 ? (uint32)(uint8)aChar - '0' : kDigits.mValues[(uint8)aChar];
+}
+
 static bool qvConvert_S_IsDigitOfBase(char aChar, uint32 aBase) {
   return kDigits.mValues[(uint8)aChar] < aBase;
 }
@@ -76,7 +82,7 @@ QVCONVERT_INLINE const char* qvConvert_S_ReadWord(const char* aStr, uint32 aBase
   const size_t theRoom = qvConvert_S_RoomForDigit(aBase);
   size_t theValue = 0;
   while (theValue <= theRoom) {
-    const uint32 theDigit = kDigits.mValues[(uint8)*aStr];
+    const uint32 theDigit = qvConvert_S_Digit(*aStr, aBase);
     if (theDigit >= aBase) {
       break;
     }
@@ -177,7 +183,7 @@ QVCONVERT_INLINE int64 qvConvert_S_strtoint64(const char* aPtr, const char** anE
 }
 
 template <typename Int>
-static int qvConvert_S_ParseSigned(const char* aStr, Int* aValue, int aBase) {
+QVCONVERT_INLINE int qvConvert_S_ParseSigned(const char* aStr, Int* aValue, int aBase) {
   *aValue = 0;
   if (aStr == nullptr) {
     return kqvConvertError_Invalid;
@@ -189,7 +195,7 @@ static int qvConvert_S_ParseSigned(const char* aStr, Int* aValue, int aBase) {
 }
 
 template <typename UInt>
-static int qvConvert_S_ParseUnsigned(const char* aStr, UInt* aValue, int aBase) {
+QVCONVERT_INLINE int qvConvert_S_ParseUnsigned(const char* aStr, UInt* aValue, int aBase) {
   *aValue = 0;
   if (aStr == nullptr) {
     return kqvConvertError_Invalid;
