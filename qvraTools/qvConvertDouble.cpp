@@ -35,14 +35,17 @@ static int qvConvert_S_ReadSign(const char** aStr) {
   return theNegative;
 }
 
-static bool qvConvert_S_IsDigit(char aChar) { return aChar >= '0' && aChar <= '9'; }
+// What a decimal digit is worth; above 9 for every other byte.
+static uint32 qvConvert_S_Digit(char aChar) { return (uint32)(uint8)aChar - '0'; }
+
+static bool qvConvert_S_IsDigit(char aChar) { return qvConvert_S_Digit(aChar) <= 9; }
 
 // Appends the digits at aStr, each of which is rounded, and returns where they end.
 static const char* qvConvert_S_ReadRoundedDigits(const char* aStr, double* aValue) {
   for (; qvConvert_S_IsDigit(*aStr); ++aStr) {
     // The product is rounded by itself on every machine: a fused multiply-add would change last bits.
     volatile double theProduct = *aValue * 10.0;
-    *aValue = theProduct + (*aStr - '0');
+    *aValue = theProduct + (int)qvConvert_S_Digit(*aStr);
   }
   return aStr;
 }
@@ -52,7 +55,7 @@ static inline size_t qvConvert_S_ReadMantissaDigits(const char** aStr, qvConvert
   const char* theStr = *aStr;
   int64 theWhole = aMantissa->mWhole;
   for (; qvConvert_S_IsDigit(*theStr) && theWhole <= kqvConvert_MaxExact; ++theStr) {
-    theWhole = theWhole * 10 + (*theStr - '0');
+    theWhole = theWhole * 10 + qvConvert_S_Digit(*theStr);
   }
   aMantissa->mWhole = theWhole;
   if (qvConvert_S_IsDigit(*theStr)) {
