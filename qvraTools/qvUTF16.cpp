@@ -16,9 +16,10 @@
 #define kqvUTF_BOMFirstBigEndian 0xFEu
 #define kqvUTF_UnitSize          2 /* bytes */
 #define kqvUTF_GroupUnits        16
-#define kqvUTF_GroupSize         32                    /* bytes                                    */
-#define kqvUTF_GroupWords        (32 / sizeof(size_t)) /* words of this machine                    */
-#define kqvUTF_GroupMaxLength    48                    /* bytes of UTF-8                           */
+#define kqvUTF_GroupSize         32  /* bytes                                             */
+#define kqvUTF_UnitMaxLength     3   /* bytes of UTF-8                                    */
+#define kqvUTF_CountedUnits      64  /* are counted together, where nothing is written    */
+#define kqvUTF_ShortResult       512 /* bytes of UTF-8 that are put together on the stack */
 
 static uint16 qvUTF_S_ReadUnit(const uint8* anIn, bool afBigEndian) {
   return static_cast<uint16>(afBigEndian ? (anIn[0] << 8) | anIn[1] : (anIn[1] << 8) | anIn[0]);
@@ -32,60 +33,77 @@ static bool qvUTF_S_IsSwapped(bool afBigEndian) {
   return (theUnit == 1) == afBigEndian;
 }
 
-// The units of a group as the words that they lie in, in the order of this machine.
-struct qvUTF_S_Group {
-  size_t mWords[kqvUTF_GroupWords];
+// Units in the order of this machine.
+template <size_t kUnits>
+struct qvUTF_S_Units {
+  uint16 mUnits[kUnits];
 };
 
-static inline qvUTF_S_Group qvUTF_S_ReadGroup(const uint8* anIn, bool afSwapped) {
-  qvUTF_S_Group theGroup;
-  for (size_t i = 0; i < kqvUTF_GroupWords; ++i) {
-    size_t theWord = qvASCII_S_LoadWord(anIn, i);
-    if (afSwapped) {
-      theWord = (theWord & kqvASCII_OfUnits(0x00FFu)) << 8 | (theWord >> 8 & kqvASCII_OfUnits(0x00FFu));
-    }
-    theGroup.mWords[i] = theWord;
+typedef qvUTF_S_Units<kqvUTF_GroupUnits> qvUTF_S_Group;
+
+template <size_t kUnits>
+static inline void qvUTF_S_TurnRound(qvUTF_S_Units<kUnits>* aUnits) {
+  for (uint16& theUnit : aUnits->mUnits) {
+    theUnit = static_cast<uint16>(theUnit << 8 | theUnit >> 8);
   }
-  return theGroup;
 }
 
-// For each unit of a word, its uppermost bit: whether any bit from aLowestBit on is set.
-static inline size_t qvUTF_S_UnitsFrom(size_t aWord, uint32 aLowestBit) {
-  size_t theBits = kqvASCII_OfUnits(0x8000u - aLowestBit);
-  return (((aWord & theBits) + theBits) | aWord) & kqvASCII_OfUnits(0x8000u);
-}
-
-static inline bool qvUTF_S_HasSurrogates(const qvUTF_S_Group& aGroup) {
-  size_t theOthers = kqvASCII_OfUnits(0x8000u);
-  for (size_t theWord : aGroup.mWords) {
-    theOthers &= qvUTF_S_UnitsFrom(theWord ^ kqvASCII_OfUnits(kqvUnicode_HighSurrogateFirst), 0x800u);
+template <size_t kUnits>
+static inline qvUTF_S_Units<kUnits> qvUTF_S_ReadUnits(const uint8* anIn, bool afSwapped) {
+  qvUTF_S_Units<kUnits> theUnits;
+  memcpy(theUnits.mUnits, anIn, sizeof(theUnits.mUnits));
+  if (afSwapped) {
+    qvUTF_S_TurnRound(&theUnits);
   }
-  return theOthers != kqvASCII_OfUnits(0x8000u);
+  return theUnits;
 }
 
-// The length of a group without surrogates in UTF-8.
-static inline size_t qvUTF_S_CountGroup(const qvUTF_S_Group& aGroup) {
-  size_t theLengths = 0;  // unit by unit, the bytes but the first
-  for (size_t theWord : aGroup.mWords) {
-    theLengths += (qvUTF_S_UnitsFrom(theWord, 0x80u) >> 15) + (qvUTF_S_UnitsFrom(theWord, 0x800u) >> 15);
+template <size_t kUnits>
+static inline bool qvUTF_S_HasSurrogates(const qvUTF_S_Units<kUnits>& aUnits) {
+  uint16 thefAny = 0;
+  for (uint16 theUnit : aUnits.mUnits) {
+    thefAny |= static_cast<uint16>((theUnit & 0xF800u) == kqvUnicode_HighSurrogateFirst);
   }
-  // The product has the sum of all units in its uppermost one.
-  return kqvUTF_GroupUnits + (theLengths * kqvASCII_OfUnits(1u) >> (8 * (sizeof(size_t) - kqvUTF_UnitSize)));
+  return thefAny != 0;
 }
 
-// Writes a group without surrogates and returns its length; the byte behind it may have been written too.
-static size_t qvUTF_S_WriteGroup(char* anOut, const qvUTF_S_Group& aGroup) {
-  char* theOut = anOut;
+// The length of units without surrogates in UTF-8.
+template <size_t kUnits>
+static inline size_t qvUTF_S_CountUnits(const qvUTF_S_Units<kUnits>& aUnits) {
+  uint16 theOthers = 0;  // bytes but the first of each character
+  for (uint16 theUnit : aUnits.mUnits) {
+    theOthers = static_cast<uint16>(theOthers + (theUnit > 0x7F) + (theUnit > 0x7FF));
+  }
+  return kUnits + theOthers;
+}
+
+// Writes units without surrogates and returns the end; the byte behind it may have been written too.
+static char* qvUTF_S_WriteUnits(char* anOut, const uint16* aUnits, size_t aCount) {
+  for (size_t i = 0; i < aCount; ++i) {
+    anOut = qvUTF_S_Write(anOut, aUnits[i]);
+  }
+  return anOut;
+}
+
+// A group that is often of ideographs alone.
+static char* qvUTF_S_WriteGroup(char* anOut, const qvUTF_S_Group& aGroup) {
+  uint16 thefShort = 0;  // any of one or two bytes
+  for (uint16 theUnit : aGroup.mUnits) {
+    thefShort |= static_cast<uint16>((theUnit & 0xF800u) == 0);
+  }
+  if (thefShort != 0) {
+    return qvUTF_S_WriteUnits(anOut, aGroup.mUnits, kqvUTF_GroupUnits);
+  }
+#pragma GCC unroll 4
   for (size_t i = 0; i < kqvUTF_GroupUnits; ++i) {
-    uint16 theUnit;
-    memcpy(&theUnit, reinterpret_cast<const char*>(aGroup.mWords) + i * sizeof(theUnit), sizeof(theUnit));
-    theOut = qvUTF_S_Write(theOut, theUnit);
+    anOut = qvUTF_S_WriteTriple(anOut, aGroup.mUnits[i]);
   }
-  return static_cast<size_t>(theOut - anOut);
+  return anOut;
 }
 
-static inline bool qvUTF_S_IsASCIIGroup(const uint8* anIn, bool afSwapped) {
-  return qvASCII_S_AreClear<kqvUTF_GroupSize>(
+template <size_t kUnits>
+static inline bool qvUTF_S_AreASCII(const uint8* anIn, bool afSwapped) {
+  return qvASCII_S_AreClear<kUnits * kqvUTF_UnitSize>(
       anIn, afSwapped ? kqvASCII_OfUnits(0x80FFu) : kqvASCII_OfUnits(0xFF80u));
 }
 
@@ -102,61 +120,75 @@ static inline void qvUTF_S_NarrowGroup(char* anOut, const uint8* anIn, bool afSw
   }
 }
 
-// Converts the last units of a text, fewer than a group, as one that is filled up with zeros. Returns how
-// many bytes of the text that takes: none when there are surrogates or no room.
+// Converts the last units of a text, fewer than a group. Returns how many bytes of the text that takes: none
+// when there are surrogates or hardly room.
 static size_t qvUTF_S_PutLastUnits(qvUTF_S_Output* anOutput, const uint8* anIn, size_t aLength,
                                    bool afSwapped) {
-  size_t theUnits = aLength / kqvUTF_UnitSize;
+  size_t theCount = aLength / kqvUTF_UnitSize;
   uint8 theBytes[kqvUTF_GroupSize] = {0};
-  memcpy(theBytes, anIn, theUnits * kqvUTF_UnitSize);
-  qvUTF_S_Group theGroup = qvUTF_S_ReadGroup(theBytes, afSwapped);
-  size_t theLength = qvUTF_S_CountGroup(theGroup) - (kqvUTF_GroupUnits - theUnits);
+  memcpy(theBytes, anIn, theCount * kqvUTF_UnitSize);
+  qvUTF_S_Group theGroup = qvUTF_S_ReadUnits<kqvUTF_GroupUnits>(theBytes, afSwapped);
   if (qvUTF_S_HasSurrogates(theGroup)) {
     return 0;
   }
-  if (anOutput->mOut != NULL) {
-    if (qvUTF_S_Room(anOutput) < theLength) {
-      return 0;
-    }
-    char theResult[kqvUTF_GroupMaxLength + 1];
-    qvUTF_S_WriteGroup(theResult, theGroup);
-    memcpy(anOutput->mOut + anOutput->mLength, theResult, theLength);
+  if (anOutput->mOut == NULL) {
+    anOutput->mLength += qvUTF_S_CountUnits(theGroup) - (kqvUTF_GroupUnits - theCount);
+  } else if (qvUTF_S_Room(anOutput) > kqvUTF_UnitMaxLength * theCount) {
+    char* theEnd = qvUTF_S_WriteUnits(anOutput->mOut + anOutput->mLength, theGroup.mUnits, theCount);
+    anOutput->mLength = static_cast<size_t>(theEnd - anOutput->mOut);
+  } else {
+    return 0;
   }
-  anOutput->mLength += theLength;
-  return theUnits * kqvUTF_UnitSize;
+  return theCount * kqvUTF_UnitSize;
+}
+
+// Counts what comes in front of the first surrogates, but for the last units. Returns how many bytes of the
+// text that takes.
+static size_t qvUTF_S_CountText(qvUTF_S_Output* anOutput, const uint8* anIn, size_t aLength, bool afSwapped) {
+  const size_t kSize = kqvUTF_CountedUnits * kqvUTF_UnitSize;
+  size_t thePosition = 0;
+  for (; aLength - thePosition >= kSize; thePosition += kSize) {
+    if (qvUTF_S_AreASCII<kqvUTF_CountedUnits>(anIn + thePosition, afSwapped)) {
+      anOutput->mLength += kqvUTF_CountedUnits;
+      continue;
+    }
+    auto theUnits = qvUTF_S_ReadUnits<kqvUTF_CountedUnits>(anIn + thePosition, afSwapped);
+    if (qvUTF_S_HasSurrogates(theUnits)) {
+      break;
+    }
+    anOutput->mLength += qvUTF_S_CountUnits(theUnits);
+  }
+  return thePosition;
 }
 
 // Converts the groups at the start of a text, up to one with surrogates or for which there is no room, and
 // the units behind the last group. Returns how many bytes of the text they take.
 static size_t qvUTF_S_PutGroups(qvUTF_S_Output* anOutput, const uint8* anIn, size_t aLength, bool afSwapped) {
   qvUTF_S_Output theOutput = *anOutput;  // where nothing that is written can change it
-  size_t thePosition = 0;
+  bool thefCountOnly = theOutput.mOut == NULL;
+  size_t thePosition = thefCountOnly ? qvUTF_S_CountText(&theOutput, anIn, aLength, afSwapped) : 0;
   for (; aLength - thePosition >= kqvUTF_GroupSize; thePosition += kqvUTF_GroupSize) {
     const uint8* theNext = anIn + thePosition;
-    bool thefCountOnly = theOutput.mOut == NULL;
     size_t theRoom = qvUTF_S_Room(&theOutput);
-    if (qvUTF_S_IsASCIIGroup(theNext, afSwapped)) {
-      if (!thefCountOnly) {
-        if (theRoom < kqvUTF_GroupUnits) {
-          break;
-        }
-        qvUTF_S_NarrowGroup(theOutput.mOut + theOutput.mLength, theNext, afSwapped);
-      }
+    if (!thefCountOnly && theRoom >= kqvUTF_GroupUnits &&
+        qvUTF_S_AreASCII<kqvUTF_GroupUnits>(theNext, afSwapped)) {
+      qvUTF_S_NarrowGroup(theOutput.mOut + theOutput.mLength, theNext, afSwapped);
       theOutput.mLength += kqvUTF_GroupUnits;
       continue;
     }
-    qvUTF_S_Group theGroup = qvUTF_S_ReadGroup(theNext, afSwapped);
+    qvUTF_S_Group theGroup = qvUTF_S_ReadUnits<kqvUTF_GroupUnits>(theNext, afSwapped);
     if (qvUTF_S_HasSurrogates(theGroup)) {
       break;
     }
     if (thefCountOnly) {
-      theOutput.mLength += qvUTF_S_CountGroup(theGroup);
+      theOutput.mLength += qvUTF_S_CountUnits(theGroup);
       continue;
     }
-    if (theRoom <= kqvUTF_GroupMaxLength && theRoom <= qvUTF_S_CountGroup(theGroup)) {
+    if (theRoom <= kqvUTF_UnitMaxLength * kqvUTF_GroupUnits && theRoom <= qvUTF_S_CountUnits(theGroup)) {
       break;
     }
-    theOutput.mLength += qvUTF_S_WriteGroup(theOutput.mOut + theOutput.mLength, theGroup);
+    char* theEnd = qvUTF_S_WriteGroup(theOutput.mOut + theOutput.mLength, theGroup);
+    theOutput.mLength = static_cast<size_t>(theEnd - theOutput.mOut);
   }
   *anOutput = theOutput;
   size_t theLeft = aLength - thePosition;
@@ -219,11 +251,20 @@ int qvUTF_S_UTF16ToUTF8(const char* anIn, size_t aLength, int afBigEndian, int a
   return anOut != NULL && theOutput.mLength > anOutMax ? kqvUTF16Result_TooSmall : theResult;
 }
 
+// A short text is converted on the stack and then copied into a block of its size: a unit becomes three bytes
+// at most, and a surrogate pair four. A long one is counted first.
 static char* qvUTF_S_ConvertUTF16(const char* anIn, size_t aLength, int afBigEndian) {
+  char theShortResult[kqvUTF_ShortResult];
+  bool thefShort = aLength / kqvUTF_UnitSize < kqvUTF_ShortResult / kqvUTF_UnitMaxLength;
   size_t theSize = 0;
-  qvUTF_S_UTF16ToUTF8(anIn, aLength, afBigEndian, 0, NULL, 0, &theSize);
+  qvUTF_S_UTF16ToUTF8(anIn, aLength, afBigEndian, 0, thefShort ? theShortResult : NULL, kqvUTF_ShortResult,
+                      &theSize);
   char* theResult = static_cast<char*>(qvMalloc(theSize));
-  qvUTF_S_UTF16ToUTF8(anIn, aLength, afBigEndian, 0, theResult, theSize, &theSize);
+  if (thefShort) {
+    memcpy(theResult, theShortResult, theSize);
+  } else {
+    qvUTF_S_UTF16ToUTF8(anIn, aLength, afBigEndian, 0, theResult, theSize, &theSize);
+  }
   return theResult;
 }
 

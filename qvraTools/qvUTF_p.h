@@ -47,16 +47,21 @@ inline char* qvUTF_S_WriteShort(char* anOut, uint32 aChar) {
   return anOut + 1 + thefTwo;
 }
 
+// A character of three bytes.
+inline char* qvUTF_S_WriteTriple(char* anOut, uint32 aChar) {
+  anOut[0] = static_cast<char>(0xE0 | aChar >> 12);
+  anOut[1] = static_cast<char>(0x80 | (aChar >> 6 & 0x3F));
+  anOut[2] = static_cast<char>(0x80 | (aChar & 0x3F));
+  return anOut + 3;
+}
+
 // A character of up to 31 bits.
 inline char* qvUTF_S_Write(char* anOut, uint32 aChar) {
   if (aChar < 0x800) {
     return qvUTF_S_WriteShort(anOut, aChar);
   }
   if (aChar < 0x10000) {
-    anOut[0] = static_cast<char>(0xE0 | aChar >> 12);
-    anOut[1] = static_cast<char>(0x80 | (aChar >> 6 & 0x3F));
-    anOut[2] = static_cast<char>(0x80 | (aChar & 0x3F));
-    return anOut + 3;
+    return qvUTF_S_WriteTriple(anOut, aChar);
   }
   return anOut + qvUnicode_WriteUTF8Char(anOut, kqvUTF_WriteRoom, aChar);
 }

@@ -408,7 +408,7 @@ TEST(qvUTFTexts, UTF16BecomesUTF8UnitByUnit) {
   for (int theRound = 0; theRound < 4000 && !HasFailure(); ++theRound) {
     std::string theText;
     bool theSurrogatesFlag = theTexts.Below(2) == 0;
-    for (uint32 theChar : theTexts.Make(theRound % 200 == 0 ? 3000 : theTexts.Below(120), 3)) {
+    for (uint32 theChar : theTexts.Make(theRound % 200 == 0 ? 3000 : theTexts.Below(200), 3)) {
       AppendUnit(theText, theChar);
       if (theSurrogatesFlag && theTexts.Below(20) == 0) {
         AppendUnit(theText, 0xD800 + theTexts.Below(0x800));
