@@ -57,7 +57,8 @@ typedef uint32 qvFileAttributes;
 /* Opens a file and stores its descriptor in *aFD, which is written on success only. Append implies Write and
  * starts at the end; a new file gets the permission bits 0777 less the process's umask. kqvFileErrorUnknown,
  * without touching the file, for: neither Read nor Write; Read alone with Truncate; Create with Append;
- * Create with Exclusive and Truncate; Exclusive without Create; a null aFD. anAccessMode is not used. */
+ * Create with Exclusive and Truncate; Exclusive without Create; a null aFD. An open that a signal interrupts
+ * is that error, too, and is not tried again. anAccessMode is not used. */
 QVLOG_API int qvFile_Open(const char* aFilePath, qvFileOpenMode anOpenMode, int anAccessMode, qvFileFD* aFD);
 
 /* Closes the descriptor; a close that a signal interrupts is tried again. */

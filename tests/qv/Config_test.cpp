@@ -184,6 +184,7 @@ TEST(qvConfig, ValidPathIsTheDirectoryThePrefixAndTheBareName) {
       {"", "app.ini", "", "./app.ini", "no directory"},
       {"\\etc\\app\\", "app.ini", "", "/etc/app/app.ini", "backslashes in the directory"},
       {"a", "b/c\\d/e.ini", "", "a/e.ini", "what follows the last of both"},
+      {"a", "b\\c\\e.ini", "", "a/e.ini", "every backslash in the name"},
       {"a/", "b/", "_", "a/_", "a name that ends in a slash"},
       {"a", "", "_", "a/_", "no name"},
       {"/", "app.ini", "", "/app.ini", "the root"},

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "qvOS/qvFile.h"
@@ -25,7 +26,7 @@ int sFD = -1;
 std::vector<ssize_t> sAnswers;
 size_t sNextAnswer = 0;
 size_t sLastCount = 0;  // of bytes that the last call asked to transfer
-int sOpenErrno = 0;
+int sOpenErrno = 0;     // of the next open, when not 0
 int sOpenCount = 0;
 
 bool HasAnswer(int aFD) { return aFD == sFD && sNextAnswer < sAnswers.size(); }
@@ -109,7 +110,7 @@ extern "C" int open(const char* aPath, int aFlags, ...) {
   va_end(theArguments);
   ++sOpenCount;
   if (sOpenErrno != 0) {
-    errno = sOpenErrno;
+    errno = std::exchange(sOpenErrno, 0);
     return -1;
   }
   return openat(AT_FDCWD, aPath, aFlags, theMode);
@@ -269,10 +270,18 @@ TEST_F(qvFileFaults, AppendReportsTheErrorOfItsSeekAndClosesTheFile) {
 TEST_F(qvFileFaults, OpenOnAReadOnlyFileSystemSaysSo) {
   qvFileFD theFD = 4711;
   sOpenErrno = EROFS;
-  int theResult = qvFile_Open(mScratch.File("f").c_str(), qvFileOpenMode_Write, 0, &theFD);
-  sOpenErrno = 0;
-  EXPECT_EQ(kqvFileErrorReadOnlyFileSystem, theResult);
+  EXPECT_EQ(kqvFileErrorReadOnlyFileSystem,
+            qvFile_Open(mScratch.File("f").c_str(), qvFileOpenMode_Write, 0, &theFD));
   EXPECT_EQ(4711, theFD);
+}
+
+TEST_F(qvFileFaults, AnInterruptedOpenIsAnErrorAndIsNotTriedAgain) {
+  qvFileFD theFD = 4711;
+  sOpenErrno = EINTR;
+  sOpenCount = 0;
+  EXPECT_EQ(kqvFileErrorUnknown, qvFile_Open(mScratch.File("f").c_str(), qvFileOpenMode_Read, 0, &theFD));
+  EXPECT_EQ(4711, theFD);
+  EXPECT_EQ(1, sOpenCount);
 }
 
 TEST_F(qvFileFaults, RefusedOpenModesDoNotReachTheSystem) {

@@ -137,6 +137,13 @@ TEST_F(qvMACAddress, NoSocketGivesNotFoundAndZeros) {
   EXPECT_EQ(kZeros, gFound);
 }
 
+TEST_F(qvMACAddress, TheSocketMayBeTheProcessesFirstDescriptor) {
+  gNetwork.mInterfaces = {{"eth0", {1, 2, 3, 4, 5, 6}}};
+  close(STDIN_FILENO);
+  EXPECT_EQ(1, Get());
+  EXPECT_EQ(STDIN_FILENO, gNetwork.mSocket);
+}
+
 TEST_F(qvMACAddress, NoListOfInterfacesGivesNotFoundAndZeros) {
   gNetwork.mInterfaces = {{"eth0", {1, 2, 3, 4, 5, 6}}};
   gNetwork.mfListFails = true;

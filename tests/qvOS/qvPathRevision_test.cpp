@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <unistd.h>
@@ -89,6 +90,8 @@ TEST_P(qvPathRevision, OnlyProgramDataIsAStamp) {
   ElfImage theImage(GetParam());
   theImage.Add(kStampName, "5\nnote\n", ElfImage::kNote);
   ExpectNoStamp(theImage.Bytes(), "a note");
+  theImage.Add(kStampName, "5\nother\n", 0x01000001);
+  ExpectNoStamp(theImage.Bytes(), "a type whose lowest byte alone is that of program data");
   theImage.Add(kStampName, "6\ndata\n");
   EXPECT_EQ(6, Read(theImage.Bytes()).mRevision);
 }
@@ -249,6 +252,27 @@ TEST_P(qvPathRevision, TheHeadersStandAsFarApartAsTheFileSays) {
   PutNumber(&theBytes, theImage.SectionTableField(), theImage.WordSize(), theNewTable);
   PutNumber(&theBytes, theImage.EntrySizeField(), 2, theSize + 8);
   EXPECT_EQ(9, Read(theBytes).mRevision);
+}
+
+TEST_P(qvPathRevision, EverythingButTheFileHeaderMayLieBehindTwoGiB) {
+  const uint64_t kFar = 0x81234567;
+  const std::string theStampText = "6\nmain\n";
+  ElfImage theImage(GetParam());
+  std::string theBytes = theImage.Add(kStampName, theStampText).Bytes();
+  const size_t theHeaderSize = theImage.FileHeaderSize();
+  const uint64_t theData = kFar + theHeaderSize + (theImage.NamesIndex() + 1) * theImage.SectionHeaderSize();
+  PutNumber(&theBytes, theImage.SectionTableField(), theImage.WordSize(), kFar + theHeaderSize);
+  PutNumber(&theBytes, theImage.OffsetField(1), theImage.WordSize(), theData);
+  PutNumber(&theBytes, theImage.OffsetField(2), theImage.WordSize(), theData + theStampText.size());
+  std::string thePath = mScratch.File("sparse");
+  WriteWholeFile(thePath, theBytes.substr(0, theHeaderSize));
+  int theFile = open(thePath.c_str(), O_WRONLY);
+  ASSERT_EQ(static_cast<ssize_t>(theBytes.size()),
+            pwrite(theFile, theBytes.data(), theBytes.size(), static_cast<off_t>(kFar)));
+  close(theFile);
+  Stamp theStamp = ReadStamp(thePath);
+  EXPECT_EQ(6, theStamp.mRevision);
+  EXPECT_EQ("main", theStamp.mBranch);
 }
 
 TEST_P(qvPathRevision, ASectionMayClaimMoreThanMemoryHolds) {

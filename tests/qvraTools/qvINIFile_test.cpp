@@ -314,6 +314,18 @@ TEST(qvINIFile, ReadingAKeyEmptiesTheSectionEntry) {
   EXPECT_EQ("net=", theDictionary.Content());
 }
 
+TEST(qvINIFile, SlotsThatAReadAddsAreFreeButForItsSection) {
+  ScratchDictionary theDictionary;
+  theDictionary.Load("[a]\n[b]\n[c]\n[d]\n[e]\n[f]\n[g]\n");
+  int theFound = -1;
+  qvINIFile_ReadKeyAsString(theDictionary.Get(), "ninth", "k", "", &theFound);
+  ASSERT_EQ(16u, theDictionary->mSize);
+  for (size_t i = 9; i < 16; ++i) {
+    EXPECT_STREQ("", theDictionary->mEntries[i].mKey);
+    EXPECT_STREQ("", theDictionary->mEntries[i].mValue);
+  }
+}
+
 TEST(qvINIFileKept, ReadingAKeyAddsItsSection) {
   ScratchDictionary theDictionary;
   int theFound = -1;
