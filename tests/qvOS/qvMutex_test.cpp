@@ -163,10 +163,12 @@ TEST(qvMutex, AChildGivesBackWhatItsParentTookForTheFork) {
   MutexPtr theMutex = NewMutex();
   qvMutex_Lock(theMutex.get());
   qvMutex_Lock(theMutex.get());
+  qvMutex_Lock(theMutex.get());
   IN_FRESH_PROCESS({
     qvMutex_S_UnlockInChild(theMutex.get());
-    EXPECT_EQ(1u, theMutex->mLockCount);
+    EXPECT_EQ(2u, theMutex->mLockCount);
     EXPECT_TRUE(qvMutex_IsHeld(theMutex.get()));
+    EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
     EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
     EXPECT_FALSE(qvMutex_IsHeld(theMutex.get()));
     OnAnotherThread([&] {
@@ -174,8 +176,9 @@ TEST(qvMutex, AChildGivesBackWhatItsParentTookForTheFork) {
       EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
     });
   });
-  EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
-  EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(0, qvMutex_Unlock(theMutex.get()));
+  }
 }
 
 TEST(qvMutex, AChildThatGivesBackTheOnlyLockHoldsNoneAnyMore) {

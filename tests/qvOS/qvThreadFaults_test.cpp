@@ -31,6 +31,7 @@ struct FakeSystem {
   int mAskedMinOf = -1;
   int mAskedMaxOf = -1;
   bool mfStoreFails = false;
+  bool mfAttributesFail = false;
   int mStored = -1;
   bool mfGateFails = false;
   bool mfPostFails = false;
@@ -62,6 +63,13 @@ qvOSThread_Data Description(qvThread_Func aFunc, void* anArgs, int aKind) {
 }
 
 }  // namespace
+
+// The thread sanitizer calls it in a new thread before instrumented code may run there.
+#if !QVLOG_SANITIZED
+extern "C" int pthread_attr_init(pthread_attr_t* anAttributes) noexcept {
+  return gSystem.mfAttributesFail ? ENOMEM : TheSystems(pthread_attr_init, "pthread_attr_init")(anAttributes);
+}
+#endif
 
 extern "C" int pthread_attr_getschedpolicy(const pthread_attr_t* anAttributes, int* aPolicy) noexcept {
   if (!gSystem.mfActive) {
@@ -203,6 +211,16 @@ TEST_F(qvThreadFaults, PriorityThatTheSystemRefusesIsAnError) {
   EXPECT_EQ(1, qvThread_SetPriority(50));
   gSystem.mfStoreFails = false;
   gSystem.mfPolicyFails = true;
+  EXPECT_EQ(1, qvThread_SetPriority(50));
+}
+
+TEST_F(qvThreadFaults, WithoutAttributesThereIsNoThreadAndNoPriority) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the thread sanitizer needs the system's own";
+  }
+  qvOSThread_Data theData = Description(Nothing, nullptr, qvThread_Kind_Joinable);
+  gSystem.mfAttributesFail = true;
+  EXPECT_EQ(nullptr, qvThread_New(&theData));
   EXPECT_EQ(1, qvThread_SetPriority(50));
 }
 
