@@ -81,7 +81,7 @@ static void qvConvert_S_StoreWord(uint8* aBuffer, uint32 aWord, size_t aWordSize
 // incomplete is not stored.
 static bool qvConvert_S_GatherWords(const char* aStr, size_t aStrLength, size_t aWordSize, bool afSwap,
                                     uint8* aBuffer) {
-  uint32 theWord = 0;
+  uint32 theWord = 0;  // the digits of a word leave nothing of the one before in its low bytes
   for (size_t i = 0; i < aStrLength; ++i) {
     int theDigit = qvConvert_S_HexDigit(aStr[i]);
     if (theDigit < 0) {
@@ -91,7 +91,6 @@ static bool qvConvert_S_GatherWords(const char* aStr, size_t aStrLength, size_t 
     if ((i + 1) % (2 * aWordSize) == 0) {
       qvConvert_S_StoreWord(aBuffer + i / 2 + 1 - aWordSize,
                             afSwap ? qvConvert_S_SwapWord(theWord, aWordSize) : theWord, aWordSize);
-      theWord = 0;
     }
   }
   return true;
