@@ -109,7 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   const TimeModel theTimes(0, TimeModel_SetZone(theInput.Byte()));
   static const char kLevels[] = {0, 'E', 'W', 'I', 'D'};
   LogRecord theRecord;
-  theRecord.mKind = static_cast<LogRecordKind>(theInput.Byte() % 8);
+  static const LogForm kForms[] = {LogForm_Short, LogForm_ShortISO, LogForm_Cat, LogForm_Raw};
+  const uint8_t theChoice = theInput.Byte();
+  const LogForm theForm = kForms[theChoice >> 3 & 3];  // and JSON each time
+  theRecord.mKind = static_cast<LogRecordKind>(theChoice % 8);
   if (theRecord.mKind > LogRecordKind_Suppressed) {
     theRecord.mKind = LogRecordKind_Line;
   }
@@ -128,16 +131,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   theRecord.mModule = theModule;
   theRecord.mText = theText;
   theRecord.mRaw = theText;
-  static const LogForm kForms[] = {LogForm_Short, LogForm_ShortISO, LogForm_Cat, LogForm_Raw};
-  for (LogForm theForm : kForms) {
-    CheckTextForm(theForm, theRecord, theTimes);
-  }
-  CheckColors(kForms[theBits >> 4 & 3], theRecord, theTimes);
+  CheckTextForm(theForm, theRecord, theTimes);
+  CheckColors(theForm, theRecord, theTimes);
   FUZZ_REQUIRE(theRecord.mKind != LogRecordKind_Line ||
                Printed(LogForm_Raw, theRecord, false, false) == theText);
   CheckJSON(theRecord, theTimes);
   const uint64_t theNext =
-      static_cast<uint64_t>(theRecord.mTime) + theRecord.mCount % 4000000;  // seconds later
+      static_cast<uint64_t>(theRecord.mTime) + theRecord.mCount % 4000000;  // up to four seconds
   CheckTimes(theRecord.mTime, static_cast<int64_t>(theNext), theTimes);
   CheckField(theProcess);
   CheckField(theText);

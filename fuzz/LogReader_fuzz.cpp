@@ -158,7 +158,6 @@ static void CheckRecord(FuzzInput& anInput) {
   theRecord.mfContinuation = (theFlags & 1) != 0;
   theRecord.mfPartial = (theFlags & 2) != 0;
   theRecord.mUUID = (theFlags & 4) != 0 ? "1a2b3c4d-0000-1000-8000-0123456789ab" : "";
-  const bool theHasColor = (theFlags & 8) != 0;
   const LogForm theForm = kForms[(theFlags >> 4) % 3];
   const std::string theProcess = anInput.Text(), theThread = anInput.Text(), theModule = anInput.Text();
   const std::string theStamp = anInput.Text(), theText = anInput.Rest();
@@ -168,12 +167,15 @@ static void CheckRecord(FuzzInput& anInput) {
   theRecord.mStamp = theStamp;
   theRecord.mText = theText;
   theRecord.mRaw = theText;
+  const bool theIsAmbiguous = IsAmbiguous(theRecord);
+  // The colour is the process's.
+  const bool theHasColor = (theFlags & 8) != 0 && !theIsAmbiguous;
   std::string theLine = Print(theForm, theRecord, theHasColor);
   LogReader theReader(thePlace.mNow);
   LogRecord theRead = theReader.Read(theLine);
   LogReadRecord theModel = LogReadModel(thePlace.Times()).Read(theLine);
   RequireSame(theModel, theRead);
-  if (theForm == LogForm_JSON || !IsAmbiguous(theRecord)) {
+  if (theForm == LogForm_JSON || !theIsAmbiguous) {
     LogReadRecord theKept = Kept(theForm, theRecord);
     theKept.mRaw = theModel.mRaw;
     RequireSame(theKept, theRead);
