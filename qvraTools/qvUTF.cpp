@@ -10,6 +10,9 @@
 #include "qvraTools/qvUnicode.h"
 #include "qvraTools/qvUnicode_p.h"
 
+#define kqvUTF_MaxGrowth   2   /* bytes that one byte becomes                */
+#define kqvUTF_ShortLength 256 /* bytes that are converted on the stack first */
+
 const uint8 kUTF16FirstByteMark[7] = {0x00, 0x00, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC};
 
 // Converts aLength bytes without a terminator and returns the length of the result. anOut is null in the pass
@@ -45,18 +48,27 @@ void qvUTF_S_PutChar(qvUTF_S_Output* anOutput, uint32 aChar) {
   }
 }
 
-// The first pass counts, the second writes into a block of just that size. ASCII at the start is the same in
-// both encodings, and looked at only once.
-static char* qvUTF_S_ConvertInTwoPasses(qvUTF_S_Worker aWorker, const char* anIn, size_t aLength) {
+// ASCII at the start is the same in both encodings, and looked at only once. What follows is converted on the
+// stack and then copied if it is short; if it is long, the first pass counts, so that both ways the block has
+// just the size of the result.
+static char* qvUTF_S_Convert(qvUTF_S_Worker aWorker, const char* anIn, size_t aLength) {
   const uint8* theBytes = reinterpret_cast<const uint8*>(anIn);
   size_t theStart = qvASCII_S_BlocksLength(theBytes, aLength);
-  size_t theLength = theStart + aWorker(NULL, theBytes + theStart, aLength - theStart);
-  char* theResult = static_cast<char*>(qvMalloc(theLength + 1));
+  const uint8* theRest = theBytes + theStart;
+  size_t theRestLength = aLength - theStart;
+  char theShortResult[kqvUTF_MaxGrowth * kqvUTF_ShortLength + 1];
+  bool thefShort = theRestLength <= kqvUTF_ShortLength;
+  size_t theRestSize = aWorker(thefShort ? theShortResult : NULL, theRest, theRestLength);
+  char* theResult = static_cast<char*>(qvMalloc(theStart + theRestSize + 1));
   if (theStart > 0) {
     memcpy(theResult, theBytes, theStart);
   }
-  aWorker(theResult + theStart, theBytes + theStart, aLength - theStart);
-  theResult[theLength] = '\0';
+  if (thefShort) {
+    memcpy(theResult + theStart, theShortResult, theRestSize);
+  } else {
+    aWorker(theResult + theStart, theRest, theRestLength);
+  }
+  theResult[theStart + theRestSize] = '\0';
   return theResult;
 }
 
@@ -78,6 +90,7 @@ static size_t qvUTF_S_WorkISO88591ToUTF8(char* anOut, const uint8* anIn, size_t 
       memcpy(theOut, anIn + thePosition, kqvASCII_BlockSize);
       theOut += kqvASCII_BlockSize;
     } else {
+#pragma GCC unroll 4
       for (size_t i = 0; i < theBlock; ++i) {
         theOut = qvUTF_S_WriteShort(theOut, anIn[thePosition + i]);
       }
@@ -110,6 +123,7 @@ static int qvUTF_S_LeadsOfPlainBlock(const uint8* anIn) {
 // Writes a block of plain text; aLead is the one in front of it, or 0. A lead is written too, and then
 // written over by what both bytes make.
 static void qvUTF_S_WritePlainBlock(char* anOut, const uint8* anIn, uint32 aLead) {
+#pragma GCC unroll 4
   for (size_t i = 0; i < kqvASCII_BlockSize; ++i) {
     uint32 theByte = anIn[i];
     uint32 thefLead = qvUTF_S_IsLead(theByte);
@@ -171,11 +185,11 @@ static size_t qvUTF_S_WorkUTF8ToISO88591(char* anOut, const uint8* anIn, size_t 
 }
 
 char* qvUTF_ISO88591ToUTF8(const char* anIn, size_t aLength) {
-  return qvUTF_S_ConvertInTwoPasses(qvUTF_S_WorkISO88591ToUTF8, anIn, aLength);
+  return qvUTF_S_Convert(qvUTF_S_WorkISO88591ToUTF8, anIn, aLength);
 }
 
 char* qvUTF_UTF8ToISO88591(const char* anIn, size_t aLength) {
-  return qvUTF_S_ConvertInTwoPasses(qvUTF_S_WorkUTF8ToISO88591, anIn, aLength);
+  return qvUTF_S_Convert(qvUTF_S_WorkUTF8ToISO88591, anIn, aLength);
 }
 
 int qvUTF_MakeValidUTF8(char* aText, int aLength) {

@@ -268,6 +268,8 @@ TEST(qvUTFBlock, HasTheSizeOfTheResultAndItsTerminator) {
       {qvUTF_UTF16BEToUTF8, std::string(1000, '\x20'), 1500, "two bytes become three"},
       {qvUTF_UTF16LEToUTF8, std::string(1000, '\x01'), 1000, "two bytes become two"},
       {qvUTF_UTF16BOMToUTF8, std::string(1002, '\x20'), 1500, "the mark takes no room"},
+      {qvUTF_ISO88591ToUTF8, std::string(256, '\xE9'), 512, "the longest result of a short text"},
+      {qvUTF_UTF8ToISO88591, std::string(100, '\xC3'), 50, "a short text that shrinks"},
       {qvUTF_UTF16LEToUTF8, std::string(338, '\x20'), 507, "the longest result of a short text"},
       {qvUTF_UTF16LEToUTF8, std::string(100, '\x01'), 100, "a short text needs no more room either"},
   };
