@@ -10,6 +10,15 @@
 #include "support/CStringText.h"
 #include "support/ChildProcess.h"
 
+// Calls of the formatting engine. The linker sends the library's calls of qv_vsnprintf here.
+static int sPasses = 0;
+
+extern "C" int __real_qv_vsnprintf(char* aBuffer, size_t aMax, const char* aFormat, va_list anArgs);
+extern "C" int __wrap_qv_vsnprintf(char* aBuffer, size_t aMax, const char* aFormat, va_list anArgs) {
+  ++sPasses;
+  return __real_qv_vsnprintf(aBuffer, aMax, aFormat, anArgs);
+}
+
 namespace {
 
 size_t CallPrintfV(qvCString& aString, const char* aFormat, ...) QV_PRINTF_FORMAT(2, 3);
@@ -198,6 +207,17 @@ TEST(qvCStringPrintf, ALongerTextIsFormattedASecondTimeAndWhole) {
     EXPECT_EQ(theLength, theString.Printf("%s", Repeated('x', theLength).c_str()));
     EXPECT_EQ(Repeated('x', theLength), TextOf(theString));
   }
+}
+
+TEST(qvCStringPrintf, ATextOf1024CharactersIsFormattedOnceAndALongerOneTwice) {
+  sPasses = 0;
+  qvCString theString;
+  theString.Printf("%s", Repeated('x', 1024).c_str());
+  EXPECT_EQ(1, sPasses);
+  theString.Printf("%s", Repeated('x', 1025).c_str());
+  EXPECT_EQ(1 + 2, sPasses);
+  theString.Printf("%s", Repeated('x', 100000).c_str());
+  EXPECT_EQ(1 + 2 + 2, sPasses);
 }
 
 TEST(qvCStringPrintf, ALongerTextReadsEveryArgumentAgain) {

@@ -82,6 +82,9 @@ TEST(qvFormatErrors, InvalidIsAnUnknownConversion) {
       {"%D", "error 2 at 1", "no upper-case form"},
       {"%\x01", "error 2 at 1", "a control character"},
       {"%\x7f", "error 2 at 1", "the last ASCII character"},
+      {"%@", "error 2 at 1", "the character before the letters"},
+      {"%[", "error 2 at 1", "one between the two alphabets"},
+      {"%{", "error 2 at 1", "the character behind the letters"},
   };
   ExpectErrors(kCases);
   EXPECT_EQ("error 2 at 1", NarrowText("%\xe9"));

@@ -340,6 +340,8 @@ TEST(qvFormatNumber, PrintsLongDoublesExactly) {
       {"0", "%.0Lf", 0.49999999999999999997L},
       {"1.e+01", "%#.0Le", 9.999999999999999999L},
       {"0xc.ccccccccccccccdp-7", "%La", 0.1L},
+      {"0xc.ccccccccccccccdp-7", "%.15La", 0.1L},
+      {"0xc.cccccccccccccdp-7", "%.14La", 0.1L},
       {"0x8p-3", "%La", 1.0L},
       {"0X8.0P-3", "%.1LA", 1.0L},
       {"0x1p+1", "%.0La", 1.99999999999999999989L},
