@@ -162,13 +162,19 @@ int qvCString::Compare(const char* aStr) const {
 // on behind that zero byte, unless it ends one of the texts.
 static int qvCString_S_CompareNoCase(const char* aStr, size_t aLength, const char* anOtherStr,
                                      size_t anOtherLength) {
-  const size_t theCommonLength = std::min(aLength, anOtherLength);
-  for (size_t thePos = 0; thePos < theCommonLength; ++thePos) {
-    const int theDifference = strcasecmp(aStr + thePos, anOtherStr + thePos);
+  while (aLength > 0 && anOtherLength > 0) {
+    const int theDifference = strcasecmp(aStr, anOtherStr);
     if (theDifference != 0) {
       return theDifference < 0 ? -1 : 1;
     }
-    thePos += strlen(aStr + thePos);
+    const size_t theEqual = strlen(aStr) + 1;
+    if (theEqual > std::min(aLength, anOtherLength)) {
+      break;
+    }
+    aStr += theEqual;
+    aLength -= theEqual;
+    anOtherStr += theEqual;
+    anOtherLength -= theEqual;
   }
   return qvCString_S_CompareLengths(aLength, anOtherLength);
 }
