@@ -109,6 +109,9 @@ TEST(qvConvertDouble, TextBehindTheNumberIsReportedByItsPosition) {
       {"1,5", 1.0, 1, "a comma is no point, in any locale"},
       {"0x10", 0.0, 1, "no hexadecimal"},
       {"7\xFF", 7.0, 1, "bytes above 0x7F"},
+      {"7:", 7.0, 1, "the code behind 9"},
+      {"7/", 7.0, 1, "the code before 0"},
+      {"1e2:", 100.0, 3, "no digit of an exponent either"},
   };
   for (const SimpleCase& theCase : kCases) {
     Expect(theCase);

@@ -232,6 +232,7 @@ const WriteCase kWriteCases[] = {
     {1.0 / 3.0, 3, 1e-14, "1/3", "the bound itself is allowed"},
     {1.0 / 3.0, 2, 1e-14, "1/2", "above it the bound becomes the denominator, with numerator 1"},
     {0.4, 4, 1e-14, "1/3", "or the numerator before gets the denominator that suits it"},
+    {0.3, 5, 1e-14, "1/3", "which is the nearest: 3 for 3.33"},
     {0.4, 5, 1e-14, "2/5", "the bound itself is allowed at the second step too"},
     {0.596, 10000, 0.05, "1/2", "the search ends where the rest is below what the precision leaves open"},
     {0.449, 1000, 0.001, "31/69", "which grows as the error shrinks"},

@@ -246,7 +246,8 @@ TEST(qvConvertKept, FractionOfADurationIsAnIntegerCutToFourDigits) {
       {":00:01.10009", 0, 2, 0, "10009 comes down to 1000 as well, an integer being divided"},
       {":00:01.10010", 0, 1, 100, "its neighbour comes down to 1001, and that to 100"},
       {":00:01.4294967295", 0, 1, 429, "as many as a word holds"},
-      {":00:01.10009999999999", 0, 2, 0, "and more"},
+      {":00:01.4294967296", 0, 1, 429, "one more"},
+      {":00:01.10009999999999", 0, 2, 0, "many more"},
   };
   ExpectTimes(qvConvert_dlnadurationstrtouint32, kCases);
 }

@@ -304,6 +304,8 @@ TEST(qvConvert, EveryBaseFrom2To36HasItsDigits) {
       {"z{", 36, 35, 1, "the code behind z is no digit"},
       {"Z`", 36, 35, 1, "the code before a is no digit"},
       {"Z@", 36, 35, 1, "the code before A is no digit"},
+      {"Z:", 36, 35, 1, "nor is the one behind 9"},
+      {"Z/", 36, 35, 1, "nor the one before 0"},
       {"z\xE9", 36, 35, 1, "bytes above 0x7F are none"},
       {"z\x80", 36, 35, 1, "the first byte above 0x7F"},
       {"1111111111111111111111111111111111111111111111111111111111111111", 2, UINT64_MAX, kNone, "64 ones"},

@@ -83,6 +83,8 @@ TEST(qvFormatErrors, InvalidIsAnUnknownConversion) {
       {"%\x01", "error 2 at 1", "a control character"},
       {"%\x7f", "error 2 at 1", "the last ASCII character"},
       {"%@", "error 2 at 1", "the character before the letters"},
+      {"%5:d", "error 2 at 2", "the one behind the digits, in a width"},
+      {"%.5/d", "error 2 at 3", "the one before them, in a precision"},
       {"%[", "error 2 at 1", "one between the two alphabets"},
       {"%{", "error 2 at 1", "the character behind the letters"},
   };
