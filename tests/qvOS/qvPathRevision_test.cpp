@@ -82,6 +82,14 @@ TEST_P(qvPathRevision, TheStampIsFoundAmongOtherSections) {
   EXPECT_EQ("release/2", theStamp.mBranch);
 }
 
+TEST_P(qvPathRevision, TheStampIsFoundBehindHundredsOfSections) {
+  ElfImage theImage(GetParam());
+  for (int i = 0; i < 600; ++i) {
+    theImage.Add(".text", "code");
+  }
+  EXPECT_EQ(78, Read(theImage.Add(kStampName, "78\nmain\n").Bytes()).mRevision);
+}
+
 TEST_P(qvPathRevision, TheFirstOfTwoStampsCounts) {
   EXPECT_EQ(1, Read(ElfImage(GetParam()).Add(kStampName, "1\n").Add(kStampName, "2\n").Bytes()).mRevision);
 }
@@ -244,13 +252,13 @@ TEST_P(qvPathRevision, TheHeadersStandAsFarApartAsTheFileSays) {
   const size_t theSize = theImage.SectionHeaderSize();
   const size_t theTable = theImage.FileHeaderSize();
   std::string theBytes = theImage.Add(kStampName, "9\nmain\n").Bytes();
-  // Spread by 8 bytes: the headers are written behind the file again, and found there.
+  // Spread by 300 bytes: the headers are written behind the file again, and found there.
   const size_t theNewTable = theBytes.size();
   for (size_t i = 0; i <= theImage.NamesIndex(); ++i) {
-    theBytes += theBytes.substr(theTable + i * theSize, theSize) + "--------";
+    theBytes += theBytes.substr(theTable + i * theSize, theSize) + std::string(300, '-');
   }
   PutNumber(&theBytes, theImage.SectionTableField(), theImage.WordSize(), theNewTable);
-  PutNumber(&theBytes, theImage.EntrySizeField(), 2, theSize + 8);
+  PutNumber(&theBytes, theImage.EntrySizeField(), 2, theSize + 300);
   EXPECT_EQ(9, Read(theBytes).mRevision);
 }
 

@@ -229,6 +229,10 @@ TEST(qvPath, TheWorkingDirectoryOfAJavaProgramKeepsItsBackslashes) {
   EXPECT_EQ("/wo\\rk/java\n/wo\\rk/\njava\n/wo/rk/a\n", PathsWithLinks("/usr/bin/java", "/wo\\rk", "a"));
 }
 
+TEST(qvPath, AJavaProgramInTheRootDirectoryHasTwoSlashes) {
+  EXPECT_EQ("//java\n//\njava\n//a\n", PathsWithLinks("/usr/bin/java", "/", "a"));
+}
+
 TEST(qvPath, AJavaProgramWithoutAReadableWorkingDirectoryKeepsItsOwnPath) {
   EXPECT_EQ("/usr/bin/java\n/usr/bin/\njava\n/usr/bin/a\n", PathsWithLinks("/usr/bin/java", "-", "a"));
 }
