@@ -2,69 +2,31 @@
 // there and back.
 #include "qvraTools/qvUTF.h"
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <vector>
 
 #include "FuzzInput.h"
+#include "TextRecipe.h"
+#include "UTFModel.h"
 #include "qvraTools/qvMalloc.h"
+#include "qvraTools/qvUTF_p.h"
 
 namespace {
 
-std::string Encode(uint32_t aChar) {
-  aChar = aChar > 0x10FFFF ? 0xFFFD : aChar;
-  std::string theBytes;
-  if (aChar < 0x80) {
-    theBytes += static_cast<char>(aChar);
-  } else if (aChar < 0x800) {
-    theBytes += static_cast<char>(0xC0 | aChar >> 6);
-  } else if (aChar < 0x10000) {
-    theBytes += static_cast<char>(0xE0 | aChar >> 12);
-    theBytes += static_cast<char>(0x80 | (aChar >> 6 & 0x3F));
-  } else {
-    theBytes += static_cast<char>(0xF0 | aChar >> 18);
-    theBytes += static_cast<char>(0x80 | (aChar >> 12 & 0x3F));
-    theBytes += static_cast<char>(0x80 | (aChar >> 6 & 0x3F));
-  }
-  return aChar < 0x80 ? theBytes : theBytes + static_cast<char>(0x80 | (aChar & 0x3F));
-}
-
-bool IsBetween(uint32_t aNumber, uint32_t aMin, uint32_t aMax) { return aMin <= aNumber && aNumber <= aMax; }
-
-uint32_t ByteAt(const std::string& aText, size_t aPosition) {
-  return aPosition < aText.size() ? static_cast<uint8_t>(aText[aPosition]) : 0u;
-}
-
-// Takes a converter's result: as long as expected, with a terminator behind it.
+// Takes a converter's result: as long as expected, with a terminator behind it, in a block of that size.
 void CheckResult(char* aResult, const std::string& anExpected) {
+  FUZZ_REQUIRE(malloc_usable_size(aResult) == anExpected.size() + 1);
   FUZZ_REQUIRE(memcmp(aResult, anExpected.c_str(), anExpected.size() + 1) == 0);
   qvFree(aResult);
 }
 
 // ------------------------------------------------------------------------------------------- ISO-8859-1
 
-std::string ToLatin(const std::string& aText) {
-  std::string theLatin;
-  for (size_t i = 0; i < aText.size();) {
-    uint32_t theLead = ByteAt(aText, i);
-    if (theLead < 0xC0) {
-      theLatin += aText[i];
-      i += 1;
-    } else if (theLead < 0xE0) {
-      theLatin += static_cast<char>(theLead << 6 | (ByteAt(aText, i + 1) & 0x3F));
-      i += 2;
-    } else {
-      theLatin += '?';
-      i += theLead < 0xF0 ? 4 : 5;  // one byte more than the sequence has
-    }
-  }
-  return theLatin;
-}
-
 void CheckLatin(const std::string& aText) {
   ExactCopy theCopy(aText);
-  std::string theUTF8;
-  for (size_t i = 0; i < aText.size(); ++i) {
-    theUTF8 += Encode(ByteAt(aText, i));
-  }
+  std::string theUTF8 = FromLatin(aText);
   CheckResult(qvUTF_ISO88591ToUTF8(theCopy.Data(), aText.size()), theUTF8);
   CheckResult(qvUTF_UTF8ToISO88591(ExactCopy(theUTF8).Data(), theUTF8.size()), aText);
   CheckResult(qvUTF_UTF8ToISO88591(theCopy.Data(), aText.size()), ToLatin(aText));
@@ -72,124 +34,54 @@ void CheckLatin(const std::string& aText) {
 
 // ----------------------------------------------------------------------------------------------- UTF-16
 
-std::string FromUTF16(const std::string& aText, bool afBigEndian) {
-  auto UnitAt = [&](size_t aPosition) {
-    uint32_t theFirst = ByteAt(aText, aPosition);
-    uint32_t theSecond = ByteAt(aText, aPosition + 1);
-    return afBigEndian ? theFirst << 8 | theSecond : theSecond << 8 | theFirst;
-  };
-  std::string theUTF8;
-  for (size_t i = 0; i + 2 <= aText.size(); i += 2) {
-    uint32_t theChar = UnitAt(i);
-    if (IsBetween(theChar, 0xD800, 0xDBFF)) {
-      if (i + 4 > aText.size()) {
-        break;
-      }
-      uint32_t theLow = UnitAt(i + 2);
-      if (IsBetween(theLow, 0xDC00, 0xDFFF)) {
-        theChar = ((theChar - 0xD800) << 10) + theLow + 0x2400;
-        i += 1;  // and not the two bytes that the low half has
-      }
-    }
-    theUTF8 += Encode(theChar);
-  }
-  return theUTF8;
-}
-
 void CheckUTF16(const std::string& aText) {
   ExactCopy theCopy(aText);
   CheckResult(qvUTF_UTF16BEToUTF8(theCopy.Data(), aText.size()), FromUTF16(aText, true));
   CheckResult(qvUTF_UTF16LEToUTF8(theCopy.Data(), aText.size()), FromUTF16(aText, false));
   std::string theExpected;
   if (aText.size() >= 2) {
-    theExpected = FromUTF16(aText.substr(2), ByteAt(aText, 0) == 0xFE);
+    theExpected = FromUTF16(aText.substr(2), static_cast<uint8_t>(aText[0]) == 0xFE);
   }
   CheckResult(qvUTF_UTF16BOMToUTF8(theCopy.Data(), aText.size()), theExpected);
 }
 
+// In room of some size: what does not fit is left out, and counted all the same.
+void CheckUTF16Worker(const std::string& aText, bool afBigEndian, bool afStrict, size_t aMissing) {
+  int theExpectedResult;
+  std::string theExpected = FromUTF16(aText, afBigEndian, afStrict, &theExpectedResult) + '\0';
+  size_t theRoom = theExpected.size() - std::min(aMissing, theExpected.size());
+  std::unique_ptr<char[]> theBytes(new char[theRoom]);
+  size_t theCount = 0;
+  int theResult = qvUTF_S_UTF16ToUTF8(ExactCopy(aText).Data(), aText.size(), afBigEndian, afStrict,
+                                      theBytes.get(), theRoom, &theCount);
+  FUZZ_REQUIRE(theResult == (theRoom < theExpected.size() ? 4 : theExpectedResult));
+  FUZZ_REQUIRE(theCount == theExpected.size());
+  FUZZ_REQUIRE(memcmp(theBytes.get(), theExpected.data(), theRoom) == 0);
+}
+
 // --------------------------------------------------------------------------------------- modified UTF-8
 
-// The length of the sequence at a position and its character; 0 for bytes that are none. Long forms of 2 and
-// 3 bytes are sequences too.
-size_t ReadSequence(const std::string& aText, size_t aPosition, uint32_t* aChar) {
-  uint32_t theLead = ByteAt(aText, aPosition);
-  size_t theLength = theLead < 0x80 ? 1 : theLead < 0xC0 ? 0 : theLead < 0xE0 ? 2 : theLead < 0xF0 ? 3 : 4;
-  if (theLength == 0 || theLead >= 0xF8 || aPosition + theLength > aText.size()) {
-    return 0;
-  }
-  *aChar = theLength == 1 ? theLead : theLead & (0xFFu >> (theLength + 1));
-  for (size_t i = 1; i < theLength; ++i) {
-    if (!IsBetween(ByteAt(aText, aPosition + i), 0x80, 0xBF)) {
-      return 0;
-    }
-    *aChar = *aChar << 6 | (ByteAt(aText, aPosition + i) & 0x3F);
-  }
-  return theLength < 4 || IsBetween(*aChar, 0x10000, 0x10FFFF) ? theLength : 0;
-}
-
-// *afValid is cleared when the text is no UTF-8.
-std::string ToModified(const std::string& aText, bool* afValid) {
-  std::string theModified;
-  for (size_t i = 0; i < aText.size();) {
-    uint32_t theChar = 0;
-    size_t theLength = ReadSequence(aText, i, &theChar);
-    if (theLength == 0) {
-      *afValid = false;
-      theModified += '?';
-    } else if (theLength == 4) {
-      theModified += Encode(0xD800 + ((theChar - 0x10000) >> 10)) + Encode(0xDC00 + (theChar & 0x3FF));
-    } else if (theLength == 1 && theChar == 0) {
-      theModified += "\xC0\x80";
-    } else {
-      theModified += aText.substr(i, theLength);
-    }
-    i += theLength > 0 ? theLength : 1;
-  }
-  return theModified;
-}
-
-std::string FromModified(const std::string& aText) {
-  std::string theUTF8;
-  for (size_t i = 0; i < aText.size();) {
-    uint32_t theChar = 0;
-    uint32_t theLow = 0;
-    size_t theLength = ReadSequence(aText, i, &theChar);
-    if (theLength == 3 && IsBetween(theChar, 0xD800, 0xDBFF) && ReadSequence(aText, i + 3, &theLow) == 3 &&
-        IsBetween(theLow, 0xDC00, 0xDFFF)) {
-      theUTF8 += Encode(((theChar - 0xD800) << 10) + theLow + 0x2400);
-      i += 6;
-    } else if (theLength == 0 || theLength == 4) {
-      i += 1;  // dropped
-    } else {
-      bool theNulFlag = aText.compare(i, 2, "\xC0\x80") == 0;
-      theUTF8 += theNulFlag ? std::string(1, '\0') : aText.substr(i, theLength);
-      i += theLength;
-    }
-  }
-  return theUTF8;
-}
-
-// Into as much room as is needed, and into one byte less.
+// Into as much room as is needed and into one byte less, where the rest has to be there all the same.
 template <typename Converter>
 void CheckIntoRoom(Converter aConverter, const std::string& aText, const std::string& anExpected) {
   ExactCopy theCopy(aText);
   int theLength = static_cast<int>(aText.size());
-  std::vector<char> theRoom(anExpected.size());
-  FUZZ_REQUIRE(aConverter(theCopy.Data(), theLength, theRoom.data(), theRoom.size()) == 1);
-  FUZZ_REQUIRE(anExpected.empty() || memcmp(theRoom.data(), anExpected.data(), anExpected.size()) == 0);
-  if (!anExpected.empty()) {
-    theRoom.assign(anExpected.size() - 1, '#');
-    FUZZ_REQUIRE(aConverter(theCopy.Data(), theLength, theRoom.data(), theRoom.size()) == 0);
+  for (size_t theMissing : {0, 1}) {
+    if (theMissing <= anExpected.size()) {
+      std::vector<char> theRoom(anExpected.size() - theMissing);
+      FUZZ_REQUIRE(aConverter(theCopy.Data(), theLength, theRoom.data(), theRoom.size()) ==
+                   (theMissing == 0 ? 1 : 0));
+      FUZZ_REQUIRE(std::equal(theRoom.begin(), theRoom.end(), anExpected.begin()));
+    }
   }
 }
 
-bool HasSurrogates(const std::string& aText) {
-  for (size_t i = 0; i + 1 < aText.size(); ++i) {
-    if (ByteAt(aText, i) == 0xED && ByteAt(aText, i + 1) >= 0xA0) {
-      return true;
-    }
-  }
-  return false;
+// With a length, UTF-8 gets a terminator when just that has room, too.
+void CheckTerminator(const std::string& aText, const std::string& anExpected) {
+  std::vector<char> theRoom(anExpected.size() + 1, '#');
+  FUZZ_REQUIRE(qvUTF_ModifiedUTF8ToUTF8(ExactCopy(aText).Data(), static_cast<int>(aText.size()),
+                                        theRoom.data(), theRoom.size()) == 1);
+  FUZZ_REQUIRE(memcmp(theRoom.data(), anExpected.c_str(), theRoom.size()) == 0);
 }
 
 void CheckModified(const std::string& aText) {
@@ -201,6 +93,7 @@ void CheckModified(const std::string& aText) {
   FUZZ_REQUIRE(qvUTF_ModifiedUTF8LengthOfUTF8(theCopy.Data(), theLength, 0) == (theValid ? theSize : -1));
   FUZZ_REQUIRE(qvUTF_ModifiedUTF8LengthOfUTF8(theCopy.Data(), theLength, 1) == theSize);
   CheckIntoRoom(qvUTF_ModifiedUTF8ToUTF8, aText, FromModified(aText));
+  CheckTerminator(aText, FromModified(aText));
   // The bytes C0 80 in a UTF-8 text end the process on purpose.
   if (aText.find("\xC0\x80") != std::string::npos) {
     return;
@@ -223,9 +116,13 @@ void CheckToEncodedNul(const std::string& aText) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
-  std::string theText(reinterpret_cast<const char*>(aBytes), aLength);
+  std::string theText = MakeText(std::string(reinterpret_cast<const char*>(aBytes), aLength), 600);
   CheckLatin(theText);
-  CheckUTF16(theText);
+  for (const std::string& theUnits : {theText, Units(theText, true), Units(theText, false)}) {
+    CheckUTF16(theUnits);
+    CheckUTF16Worker(theUnits, true, aLength % 2 != 0, aLength % 32);
+    CheckUTF16Worker(theUnits, false, aLength % 2 == 0, 1);
+  }
   CheckModified(theText);
   CheckToEncodedNul(theText);
   return 0;

@@ -1,75 +1,24 @@
-// UTF-8 is read character by character as its bit patterns say, and what is valid survives the way to wide
-// text and back.
+// UTF-8 is read character by character as its bit patterns say, what is valid survives the way to wide text
+// and back, and nothing is written where it does not belong.
 #include "qvraTools/qvUnicode.h"
 
 #include <wchar.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "FuzzInput.h"
+#include "TextRecipe.h"
+#include "UTFModel.h"
 #include "qvraTools/qvMalloc.h"
 #include "qvraTools/qvUTF.h"
 #include "qvraTools/qvWString.h"
 
 namespace {
 
-const size_t kInvalid = static_cast<size_t>(-1);
-const size_t kIncomplete = static_cast<size_t>(-2);
-
-// The lead bytes of each length: which bits mark them, and how they are set.
-struct Pattern {
-  uint8_t mMask;
-  uint8_t mBits;
-  uint32_t mSmallest;  // smaller characters have shorter forms
-};
-
-const Pattern kPatterns[6] = {{0x80, 0x00, 0},       {0xE0, 0xC0, 0x80},     {0xF0, 0xE0, 0x800},
-                              {0xF8, 0xF0, 0x10000}, {0xFC, 0xF8, 0x200000}, {0xFE, 0xFC, 0x4000000}};
-
-size_t Decode(const std::string& aText, uint32_t* aChar) {
-  if (aText.empty()) {
-    return 0;
-  }
-  uint8_t theLead = static_cast<uint8_t>(aText[0]);
-  for (size_t i = 0; i < 6; ++i) {
-    if ((theLead & kPatterns[i].mMask) != kPatterns[i].mBits) {
-      continue;
-    }
-    *aChar = theLead & ~kPatterns[i].mMask & 0xFFu;
-    for (size_t j = 1; j <= i; ++j) {
-      if (j == aText.size()) {
-        return kIncomplete;
-      }
-      uint8_t theByte = static_cast<uint8_t>(aText[j]);
-      if (theByte < 0x80 || theByte > 0xBF) {
-        return kInvalid;
-      }
-      *aChar = *aChar * 64 + (theByte - 0x80);
-    }
-    return *aChar < kPatterns[i].mSmallest ? kInvalid : i + 1;
-  }
-  return kInvalid;
-}
-
-// The characters up to the first that is none; *aLength is where they end.
-std::wstring DecodeAll(const std::string& aText, size_t* aLength) {
-  std::wstring theChars;
-  *aLength = 0;
-  while (*aLength < aText.size()) {
-    uint32_t theChar = 0;
-    size_t theTaken = Decode(aText.substr(*aLength, 7), &theChar);
-    if (theTaken == kInvalid || theTaken == kIncomplete) {
-      break;
-    }
-    theChars += static_cast<wchar_t>(theChar);
-    *aLength += theTaken;
-  }
-  return theChars;
-}
-
 void CheckFirstChar(const std::string& aText) {
   uint32_t theExpectedChar = 0;
-  size_t theExpected = Decode(aText, &theExpectedChar);
+  size_t theExpected = DecodeUTF8(aText, 0, &theExpectedChar);
   uint32 theChar = 0;
   size_t theTaken = qvUnicode_ReadUTF8Char(ExactCopy(aText).Data(), aText.size(), &theChar);
   FUZZ_REQUIRE(theTaken == theExpected);
@@ -112,10 +61,21 @@ void CheckWideStrings(const std::string& aText, const std::wstring& aWide) {
   qvWString_Free(theString);
 }
 
-// A text without zero bytes, and room for fewer characters than it may have.
-void CheckWide(const std::string& aText, size_t aRoom) {
+// Whether the room holds the characters, then a terminator if there is to be one, and nothing else.
+template <typename Char>
+bool Holds(const std::vector<Char>& aRoom, const std::basic_string<Char>& anExpected, bool afTerminated) {
+  std::vector<Char> theExpected(anExpected.begin(), anExpected.end());
+  if (afTerminated) {
+    theExpected.push_back(0);
+  }
+  theExpected.resize(aRoom.size(), '#');
+  return theExpected == aRoom;
+}
+
+// A text without zero bytes, and room for aRoom characters.
+void CheckToWide(const std::string& aText, size_t aRoom) {
   size_t theValidLength;
-  std::wstring theExpected = DecodeAll(aText, &theValidLength);
+  std::wstring theExpected = DecodeAllUTF8(aText, &theValidLength);
   bool theValid = theValidLength == aText.size();
   ExactCopy theCopy(aText, true);
   FUZZ_REQUIRE(qvUnicode_UTF8ToWide(nullptr, theCopy.Data(), 0) ==
@@ -124,35 +84,61 @@ void CheckWide(const std::string& aText, size_t aRoom) {
   size_t theCount = qvUnicode_UTF8ToWide(theWide.data(), theCopy.Data(), aRoom);
   // What comes behind the room is not looked at.
   FUZZ_REQUIRE(theCount == (theExpected.size() >= aRoom ? aRoom : theValid ? theExpected.size() : kInvalid));
-  if (theCount != kInvalid) {
-    FUZZ_REQUIRE(wmemcmp(theWide.data(), theExpected.data(), theCount) == 0);
-    FUZZ_REQUIRE(theWide[theCount] == (theCount < aRoom ? L'\0' : L'#'));
-  }
-  if (!theValid) {
-    FUZZ_REQUIRE(qvWString_NewFromUTF8(theCopy.Data()) == nullptr);
-    FUZZ_REQUIRE(qvWString_S_FromUTF8(theCopy.Data()) == nullptr);
+  FUZZ_REQUIRE(Holds(theWide, theExpected.substr(0, aRoom), theCount < aRoom));
+  if (theValid) {
+    CheckWideStrings(aText, theExpected);
     return;
   }
-  CheckWideStrings(aText, theExpected);
-  FUZZ_REQUIRE(qvUnicode_WideToUTF8(nullptr, theExpected.c_str(), 0) == aText.size());
+  FUZZ_REQUIRE(qvWString_NewFromUTF8(theCopy.Data()) == nullptr);
+  FUZZ_REQUIRE(qvWString_S_FromUTF8(theCopy.Data()) == nullptr);
+}
+
+// Of a character bit 31 is ignored.
+void CheckFromWide(const std::wstring& aWide, size_t aRoom) {
+  std::string theWhole;
+  std::string theExpected;
+  bool theFits = true;
+  for (wchar_t theChar : aWide) {
+    std::string theBytes = EncodeUTF8(static_cast<uint32_t>(theChar) & 0x7FFFFFFF);
+    theWhole += theBytes;
+    theFits = theFits && theExpected.size() + theBytes.size() <= aRoom;
+    theExpected += theFits ? theBytes : "";
+  }
+  FUZZ_REQUIRE(qvUnicode_WideToUTF8(nullptr, aWide.c_str(), 0) == theWhole.size());
   std::vector<char> theBytes(aRoom + 1, '#');
-  theCount = qvUnicode_WideToUTF8(theBytes.data(), theExpected.c_str(), aRoom);
-  // No character is cut, so up to six bytes of the room may stay free.
-  FUZZ_REQUIRE(theCount <= aRoom && theCount + 6 > std::min(aRoom, aText.size()));
-  FUZZ_REQUIRE(memcmp(theBytes.data(), aText.data(), theCount) == 0);
-  FUZZ_REQUIRE(theBytes[theCount] == (theCount < aRoom ? '\0' : '#'));
+  FUZZ_REQUIRE(qvUnicode_WideToUTF8(theBytes.data(), aWide.c_str(), aRoom) == theExpected.size());
+  FUZZ_REQUIRE(Holds(theBytes, theExpected, theExpected.size() < aRoom));
+}
+
+// The characters of the text, some of them with bit 31 set, and without those that are zero without it.
+std::wstring StrangeWide(const std::string& aText, uint8_t aStep) {
+  size_t theLength;
+  std::wstring theWide = DecodeAllUTF8(aText, &theLength);
+  theWide.erase(std::remove(theWide.begin(), theWide.end(), L'\0'), theWide.end());
+  for (size_t i = aStep; i < theWide.size(); i += aStep + 1u) {
+    theWide[i] = static_cast<wchar_t>(static_cast<uint32_t>(theWide[i]) | 0x80000000u);
+  }
+  return theWide;
+}
+
+// Little room, or about as much as so many characters or bytes take.
+size_t RoomOf(uint8_t aByte, size_t aLength) {
+  return aByte < 0x80 ? aByte % 32u : aLength + aByte % 16u - std::min<size_t>(aLength, 8);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   FuzzInput theInput(aBytes, aLength);
-  size_t theRoom = theInput.Byte() % 32;
-  std::string theText = theInput.Rest();
+  uint8_t theRoom = theInput.Byte();
+  std::string theText = MakeText(theInput.Rest(), 5000);
   CheckFirstChar(theText);
   size_t theValidLength;
-  DecodeAll(theText, &theValidLength);
+  std::wstring theWide = DecodeAllUTF8(theText, &theValidLength);
   CheckValidPart(theText, theValidLength);
-  CheckWide(theText.c_str(), theRoom);
+  CheckToWide(theText.c_str(), RoomOf(theRoom, theWide.size()));
+  std::wstring theStrange = StrangeWide(theText, theRoom % 8);
+  CheckFromWide(theStrange, RoomOf(theRoom, theText.size()));
+  CheckFromWide(theStrange, 6 * theStrange.size() + 1);
   return 0;
 }
