@@ -110,6 +110,7 @@ TEST(qvINIFileLoader, QuotedValuesRunToTheirQuote) {
       {"k=\"open", "default=|default/k=open", "a missing quote"},
       {"k=\"open ; \\\"x", "default=|default/k=open ; \"x", "escapes are resolved all the same"},
       {"k=\"open\\", "default=|default/k=open", "a backslash at the end"},
+      {"k=\"open\\\nb=1", "default=|default/k=open|default/b=1", "which does not reach the next line"},
       {"k=\"", "default=|default/k=", "only the opening quote"},
   };
   ExpectLoaded(kCases);
