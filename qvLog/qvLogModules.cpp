@@ -18,7 +18,7 @@ struct ModuleNames {
 #define QVLOG_DECMOD(code, name, value) #name,
 constexpr ModuleNames kNames = {QVLOG_MODULE_TABLE};
 
-constexpr int kNoModule = -1;
+constexpr uint16 kNoModule = 0xFFFF;
 
 }  // namespace
 
@@ -27,8 +27,8 @@ constexpr int kNoModule = -1;
 #undef QVLOG_DECMOD
 #define QVLOG_DECMOD(code, name, value) \
   case code:                            \
-    return 2 * static_cast<int>(offsetof(ModuleNames, m##name)) + (value);
-static int qvLogger_S_FindModule(qvLogModule aModule) {
+    return static_cast<uint16>(2 * offsetof(ModuleNames, m##name) + (value));
+static uint16 qvLogger_S_FindModule(qvLogModule aModule) {
   switch (aModule) {
     QVLOG_MODULE_TABLE
     default:
@@ -37,10 +37,10 @@ static int qvLogger_S_FindModule(qvLogModule aModule) {
 }
 
 const char* qvLogger::ModuleNameAndDefaultValue(qvLogModule aModule, int* aDefaultValue) {
-  int theModule = qvLogger_S_FindModule(aModule);
+  unsigned int theModule = qvLogger_S_FindModule(aModule);
   if (theModule == kNoModule) {
     return NULL;
   }
-  *aDefaultValue = theModule % 2;
+  *aDefaultValue = static_cast<int>(theModule % 2);
   return reinterpret_cast<const char*>(&kNames) + theModule / 2;
 }

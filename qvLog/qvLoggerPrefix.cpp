@@ -128,20 +128,21 @@ static void qvLogger_S_MakeStamp(qvLoggerStamp* aStamp, int aSeconds, const char
   aStamp->mLength = qvLogger_S_FormatLocalTime(aStamp->mText, sizeof(aStamp->mText), aSeconds);
 }
 
-// As qvLogger_S_FormatLocalTime. Converting to local time looks at the system's time-zone file and costs more
-// than all the rest of a prefix, so the text of the last second is kept.
+// As qvLogger_S_FormatLocalTime, into room for any text of a second. Converting to local time looks at the
+// system's time-zone file and costs more than all the rest of a prefix, so the text of the last second is
+// kept.
 static size_t qvLogger_S_CopySecond(char* aText, int aSeconds) {
   static qvLoggerStamp sStamp;
   const char* theZone = getenv("TZ");
   if (!qvLogger_S_IsStampOf(&sStamp, aSeconds, theZone)) {
     qvLogger_S_MakeStamp(&sStamp, aSeconds, theZone);
   }
-  memcpy(aText, sStamp.mText, sStamp.mLength);
+  memcpy(aText, sStamp.mText, sizeof(sStamp.mText));  // a number that the compiler knows takes no call
   return sStamp.mLength;
 }
 
 // ":042"
-static size_t qvLogger_S_PutMilliSeconds(char* aText, int aMilliSeconds) {
+static size_t qvLogger_S_PutMilliSeconds(char* aText, uint32 aMilliSeconds) {
   aText[0] = ':';
   aText[1] = static_cast<char>('0' + aMilliSeconds / 100);
   aText[2] = static_cast<char>('0' + aMilliSeconds / 10 % 10);
@@ -156,7 +157,7 @@ static void qvLogger_S_StampRecord(qvLogDataEx* aRecord) {
     qvTime_GetTimeOfDay(&theNow);
     char* theText = aRecord->mTimeStr;
     size_t theLength = qvLogger_S_CopySecond(theText, theNow.tv_sec);
-    theLength += qvLogger_S_PutMilliSeconds(theText + theLength, theNow.tv_usec / 1000);
+    theLength += qvLogger_S_PutMilliSeconds(theText + theLength, static_cast<uint32>(theNow.tv_usec) / 1000);
     theText[theLength] = '\0';
     aRecord->mTimeStrLen = theLength;
   }
@@ -187,9 +188,13 @@ void qvLogger::Append_LogModule(qvLogDataEx* aRecord) {
   }
 }
 
-static char* qvLogger_S_Put(char* aText, const char* aBytes, size_t aLength) {
-  memcpy(aText, aBytes, aLength);
-  return aText + aLength;
+// The name in its columns. A loop, since two calls would cost more than a few characters.
+static char* qvLogger_S_PutModule(char* aText, const char* aName) {
+  memcpy(aText, kBlanks, kqvLogger_ModuleColumns);
+  for (int i = 0; i < kqvLogger_ModuleColumns && aName[i] != '\0'; ++i) {
+    aText[i] = aName[i];
+  }
+  return aText + kqvLogger_ModuleColumns;
 }
 
 // All of a prefix at once, with a zero byte behind it. The result is its length; 0 for the rare ones that
@@ -201,15 +206,14 @@ static size_t qvLogger_S_MakePrefix(qvLogDataEx* aRecord, char* aPrefix) {
     return 0;
   }
   qvLogger_S_StampRecord(aRecord);
-  char* theEnd = qvLogger_S_Put(aPrefix, qvLogger_S_LevelLetter(aRecord->mLevel), 2);
-  theEnd = qvLogger_S_Put(theEnd, aRecord->mTimeStr, aRecord->mTimeStrLen);
+  memcpy(aPrefix, qvLogger_S_LevelLetter(aRecord->mLevel), 2);
+  memcpy(aPrefix + 2, aRecord->mTimeStr, sizeof(aRecord->mTimeStr));
+  char* theEnd = aPrefix + 2 + aRecord->mTimeStrLen;
   *theEnd++ = '|';
-  theEnd = qvLogger_S_Put(theEnd, qvLogger::CurrentThreadName(), kqvLogger_ThreadDigits);
+  memcpy(theEnd, qvLogger::CurrentThreadName(), kqvLogger_ThreadDigits);
+  theEnd += kqvLogger_ThreadDigits;
   *theEnd++ = '|';
-  size_t theLength = strnlen(theModule, kqvLogger_ModuleColumns);
-  qvLogger_S_Put(theEnd, kBlanks, kqvLogger_ModuleColumns);
-  qvLogger_S_Put(theEnd, theModule, theLength);
-  theEnd += kqvLogger_ModuleColumns;
+  theEnd = qvLogger_S_PutModule(theEnd, theModule);
   *theEnd++ = ' ';
   *theEnd = '\0';
   return static_cast<size_t>(theEnd - aPrefix);
