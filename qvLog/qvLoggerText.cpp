@@ -40,6 +40,8 @@ void qvLoggerText_StartSharing(qvLogDataEx* aRecord, const char* aFormat, va_lis
 
 void qvLoggerText_StopSharing() { sSharedCall.mFormat = NULL; }
 
+bool qvLoggerText_IsSharing() { return sSharedCall.mFormat != NULL; }
+
 static bool qvLoggerText_S_IsSharedCall(const char* aFormat, va_list anArgs) {
   if (aFormat != sSharedCall.mFormat) {
     return false;

@@ -10,5 +10,7 @@
 void qvLoggerText_StartSharing(qvLogDataEx* aRecord, const char* aFormat, va_list anArgs)
     QV_PRINTF_FORMAT(2, 0);
 void qvLoggerText_StopSharing();
+// Inside such a fan-out.
+bool qvLoggerText_IsSharing();
 
 #endif

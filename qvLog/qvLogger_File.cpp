@@ -3,9 +3,11 @@
 #include <stdio_ext.h>
 #include <string.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include "qvLog/qvLogFork_p.h"
 #include "qvLog/qvLoggerPieces_p.h"
+#include "qvLog/qvLoggerText_p.h"
 #include "qvOS/qvPath.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvAssert.h"
@@ -131,9 +133,34 @@ static void qvFileLogger_S_Write(qvFileLogger* aLogger, const char* aBytes, size
   }
 }
 
+// Whether a line can go past the stream, which costs more than to format the text: it is whole, it is all
+// that its call has to write, the file is the logger's alone, and nothing before it waits in the stream.
+static bool qvFileLogger_S_IsDirect(const qvFileLogger* aLogger, size_t aLength) {
+  FILE* theFile = aLogger->mFile;
+  return aLength > 0 && sLine[aLength - 1] == '\n' && qvLoggerText_IsSharing() &&
+         !qvFileLogger_S_IsStandard(theFile) && __fwriting(theFile) && __fpending(theFile) == 0 &&
+         fileno(theFile) >= 0;
+}
+
+static bool qvFileLogger_S_WriteToSystem(FILE* aFile, const char* aBytes, size_t aLength) {
+  while (aLength > 0) {
+    ssize_t theWritten = write(fileno(aFile), aBytes, aLength);
+    if (theWritten < 0) {
+      return false;
+    }
+    aBytes += theWritten;
+    aLength -= static_cast<size_t>(theWritten);
+  }
+  return true;
+}
+
 static void qvFileLogger_S_WriteLine(qvFileLogger* aLogger) {
   size_t theLength = qvFileLogger_S_TakeLine(aLogger);
-  qvFileLogger_S_Write(aLogger, sLine, theLength);
+  if (aLogger->mFile != NULL && qvFileLogger_S_IsDirect(aLogger, theLength)) {
+    qvFileLogger_S_Check(aLogger, qvFileLogger_S_WriteToSystem(aLogger->mFile, sLine, theLength));
+  } else {
+    qvFileLogger_S_Write(aLogger, sLine, theLength);
+  }
 }
 
 // Whether a piece may wait for others: they are sure to come, no other logger's waits, and this logger is no
@@ -188,7 +215,7 @@ void qvFileLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
 void qvFileLogger::EndLog(qvLogDataEx*) {
   qvFileLogger_S_WriteLine(this);
   // The line was collected in the stream's buffer: this is where a full disk shows.
-  if (mFile != NULL && mLastChar == '\n') {
+  if (mFile != NULL && mLastChar == '\n' && __fpending(mFile) > 0) {
     qvFileLogger_S_Check(this, fflush(mFile) == 0);
   }
 }

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -16,25 +18,23 @@ using testing::MatchesRegex;
 
 const char kPrefix[] = "E [0-9:]{12}\\|[0-9a-f]{8}\\|DEFAULT    ";
 
-// Standard error is the logger's output, and every write to it arrives here on its own.
-class WritesOfStandardError : public testing::Test {
+// One end is an output of the logger; every write to it arrives at the other one on its own.
+class SeenWrites : public testing::Test {
  protected:
-  WritesOfStandardError() : mOld(dup(STDERR_FILENO)) {
+  SeenWrites() {
     int theEnds[2];
     socketpair(AF_UNIX, SOCK_SEQPACKET, 0, theEnds);
     mWrites = theEnds[0];
-    dup2(theEnds[1], STDERR_FILENO);
-    close(theEnds[1]);
+    mOutput = theEnds[1];
+  }
+  ~SeenWrites() override { close(mWrites); }
+
+  static void LogTo(FILE* aFile) {
     qvLogger::LockFramework();
-    qvFileLogger::sInstance->mFile = stderr;
+    qvFileLogger::sInstance->mFile = aFile;
     qvFileLogger::sInstance->mLastChar = '\n';
     qvFileLogger::sInstance->ChangeLevel(65535);
     qvLogger::UnlockFramework();
-  }
-  ~WritesOfStandardError() override {
-    dup2(mOld, STDERR_FILENO);
-    close(mOld);
-    close(mWrites);
   }
 
   std::vector<std::string> Writes() {
@@ -47,9 +47,32 @@ class WritesOfStandardError : public testing::Test {
     return theWrites;
   }
 
+  int mWrites;
+  int mOutput;
+};
+
+class WritesOfStandardError : public SeenWrites {
+ protected:
+  WritesOfStandardError() : mOld(dup(STDERR_FILENO)) {
+    dup2(mOutput, STDERR_FILENO);
+    close(mOutput);
+    LogTo(stderr);
+  }
+  ~WritesOfStandardError() override {
+    dup2(mOld, STDERR_FILENO);
+    close(mOld);
+  }
+
  private:
   int mOld;
-  int mWrites;
+};
+
+class WritesOfAStream : public SeenWrites {
+ protected:
+  WritesOfAStream() : mStream(fdopen(mOutput, "w")) { LogTo(mStream); }
+  ~WritesOfAStream() override { qvLog_Term(); }
+
+  FILE* mStream;  // the logger closes it
 };
 
 // The regular expression of a line with a prefix.
@@ -102,6 +125,99 @@ TEST_F(WritesOfStandardError, APrefixWithoutTextIsWrittenAtTheEndOfTheMessage) {
   qvLogData* theData = qvLog_Begin(1, 0);
   qvLog_End(theData);
   EXPECT_THAT(Writes(), ElementsAre(Line("")));
+}
+
+TEST_F(WritesOfAStream, AFormattedLineIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("%d %s\n", 1, "text");
+  EXPECT_THAT(Writes(), ElementsAre(Line("1 text\n"))) << "as soon as the text is known";
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre());
+}
+
+TEST_F(WritesOfAStream, WhatFollowsALineInItsMessageIsOneMore) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("one\n");
+  qvLog_Append_F("two\n");
+  qvLog_Append_F("three\n");
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("one\n"), "two\nthree\n"));
+}
+
+TEST_F(WritesOfAStream, ALineThatIsNotCompleteIsOneWithItsEnd) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("one");
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre());
+  theData = qvLog_Begin(1, 0);
+  qvLog_Append_F(" two\n");
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("one two\n")));
+}
+
+TEST_F(WritesOfAStream, AnIndentedLineIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvMainLogger::Current()->Indent();
+  qvLog_Append_FN("%d", 1);
+  qvMainLogger::Current()->Unindent();
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("\t1\n")));
+}
+
+TEST_F(WritesOfAStream, AMultiLineTextIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_FML("one\ntwo\n");
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(MatchesRegex(kPrefix + std::string("one\n") + kPrefix + "two\n")));
+}
+
+TEST_F(WritesOfAStream, AHexDumpIsOne) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_B("0123456789abcdef0", 17);
+  qvLog_End(theData);
+  EXPECT_EQ(1u, Writes().size());
+}
+
+TEST_F(WritesOfAStream, WhatTheApplicationLeftInTheStreamComesFirst) {
+  fputs("first ", mStream);
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("second\n");
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(MatchesRegex("first " + std::string(kPrefix) + "second\n")));
+}
+
+TEST_F(WritesOfAStream, WhatTheApplicationPutsBehindALineFollowsAtTheEndOfTheMessage) {
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("first\n");
+  fputs("second\n", mStream);
+  qvLog_End(theData);
+  EXPECT_THAT(Writes(), ElementsAre(Line("first\n"), "second\n"));
+}
+
+static void LiftTheLimit(int) {
+  struct rlimit theLimit = {RLIM_INFINITY, RLIM_INFINITY};
+  setrlimit(RLIMIT_FSIZE, &theLimit);
+}
+
+TEST(WritesOfAFile, WhatTheSystemRefusesIsNotTriedAgainWhenTheFileIsClosed) {
+  ScratchFolder theFolder;
+  qvLogger::LockFramework();
+  qvFileLogger* theLogger = qvFileLogger::sInstance;
+  theLogger->mFile = fopen(theFolder.File("out.txt").c_str(), "w");
+  theLogger->mLastChar = '\n';
+  theLogger->ChangeLevel(65535);
+  qvLogger::UnlockFramework();
+  // The first write ends at the limit, the second one is refused and lifts it.
+  signal(SIGXFSZ, LiftTheLimit);
+  struct rlimit theLimit = {7, RLIM_INFINITY};
+  setrlimit(RLIMIT_FSIZE, &theLimit);
+  testing::internal::CaptureStderr();
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("text\n");
+  qvLog_End(theData);
+  EXPECT_EQ("qvFileLogger: File too large\n", testing::internal::GetCapturedStderr());
+  EXPECT_FALSE(theLogger->IsOK());
+  EXPECT_THAT(ReadWholeFile(theFolder.File("out.txt")), MatchesRegex("E [0-9:]{5}"));
 }
 
 TEST(WritesOfAFile, ALineLongerThanTheLoggersBufferIsWhole) {
