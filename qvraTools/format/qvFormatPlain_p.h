@@ -1,4 +1,4 @@
-/* qvFormatPlain_p.h - the shortest way, for what log lines are made of: text, and %d %u %s alone.
+/* qvFormatPlain_p.h - the shortest way, for what log lines are made of: text, and %d %u %s %% alone.
  *
  * It gives what the general way gives, and leaves everything else to it, as it does numbers when the room is
  * small. */
@@ -28,11 +28,15 @@ inline void qvFormatPlain_WriteInt(bool afNegative, uint32 aMagnitude, qvFormatO
   anOutput->Wrote(theLength);
 }
 
-// Writes the directive of one letter, if it is one of these and there is room for any number.
+// Writes the directive of one letter, if it is one of these and there is room for any number; or "%%".
 inline bool qvFormatPlain_WriteDirective(char aConversion, qvFormatArguments* anArguments,
                                          qvFormatOutput<char>* anOutput) {
   if (aConversion == 's') {
     qvFormatPlain_WriteText(anArguments->TakeNextPointer(), anOutput);
+    return true;
+  }
+  if (aConversion == '%') {
+    anOutput->Put('%');
     return true;
   }
   if ((aConversion != 'd' && aConversion != 'u') || anOutput->Reserve(kqvFormatSimple_IntLength) == nullptr) {

@@ -132,10 +132,10 @@ TEST(qvFormat, CutsInsideEverySimpleDirective) {
 }
 
 TEST(qvFormat, CutsInsideEveryDirectiveOfOneLetter) {
-  const std::string kWhole = "one -7, 4294967295 and two-21474836480|";
+  const std::string kWhole = "one -7, 4294967295 and two-21474836480%|";
   for (size_t theMax = 1; theMax <= kWhole.size() + 1; ++theMax) {
     std::string theBuffer(kWhole.size() + 2, '~');
-    EXPECT_EQ(39, qv_snprintf(&theBuffer[0], theMax, "%s %d, %u and %s%d%u|", "one", -7, UINT_MAX, "two",
+    EXPECT_EQ(40, qv_snprintf(&theBuffer[0], theMax, "%s %d, %u and %s%d%u%%|", "one", -7, UINT_MAX, "two",
                               INT_MIN, 0u));
     EXPECT_EQ(kWhole.substr(0, theMax - 1), theBuffer.c_str());
     EXPECT_EQ('~', theBuffer[theMax]) << "wrote behind the bound " << theMax;
