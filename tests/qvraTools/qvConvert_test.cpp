@@ -1,4 +1,4 @@
-// The integer parsers and the pointer parser. Their forms with a length are in qvConvertLength_test.cpp.
+// The integer parsers. Their forms with a length are in qvConvertLength_test.cpp.
 
 #include "qvraTools/qvConvert.h"
 
@@ -412,53 +412,6 @@ TEST(qvConvert, HexTextIsReadWithOrWithoutPrefix) {
   }
 }
 
-struct PointerCase {
-  const char* mText;
-  uintptr_t mAddress;
-  int mResult;
-  const char* mWhy;
-};
-
-static void ExpectPointer(const PointerCase& aCase) {
-  SCOPED_TRACE(std::string(aCase.mText == nullptr ? "(null)" : aCase.mText) + ": " + aCase.mWhy);
-  int theObject = 0;
-  void* thePtr = &theObject;
-  EXPECT_EQ(aCase.mResult, qvConvert_strtoptr(aCase.mText, &thePtr));
-  EXPECT_EQ(aCase.mAddress, reinterpret_cast<uintptr_t>(thePtr));
-}
-
-TEST(qvConvert, PointersAreHexadecimalBehind0xAndDecimalOtherwise) {
-  const PointerCase kCases[] = {
-      {nullptr, 0, kInvalid, "null"},
-      {"", 0, kInvalid, "empty"},
-      {"  ", 0, kInvalid, "blanks only"},
-      {"0x1234abCD", 0x1234ABCD, kNone, "hexadecimal"},
-      {"0XFF", 0xFF, kNone, "with an upper-case X"},
-      {"  +0x10", 0x10, kNone, "blanks and one plus are skipped"},
-      {"1234", 1234, kNone, "decimal"},
-      {"010", 10, kNone, "never octal"},
-      {"ff", 0, kInvalid, "no hexadecimal without 0x"},
-      {"0xg", 0, 1, "not a prefix: the decimal number 0, then other text"},
-      {"0x", 0, kNone, "0x alone is null without an error"},
-      {" 0X", 0, kNone, "in both cases"},
-      {"0", 0, kNone, "null"},
-      {"-1", 0, kInvalid, "no sign"},
-      {"0xffffffff", 0xFFFFFFFF, kNone, "the largest address"},
-      {"4294967295", 0xFFFFFFFF, kNone, "the largest address"},
-      {"0x100000000", 0xFFFFFFFF, kHigh, "32 bits on every platform"},
-      {"4294967296", 0xFFFFFFFF, kHigh, "32 bits on every platform"},
-      {"0x0x10", 0x10, kNone, "base 16 skips a prefix of its own"},
-      {"++5", 5, kNone, "the number behind what was skipped may have a plus"},
-      {"+ 5", 5, kNone, "and white space"},
-      {"+++5", 0, kInvalid, "but no two of them"},
-      {"0x+5", 0, 1, "a plus is no hexadecimal digit"},
-      {"(nil)", 0, kInvalid, "how a null pointer prints"},
-  };
-  for (const PointerCase& theCase : kCases) {
-    ExpectPointer(theCase);
-  }
-}
-
 TEST(qvConvertKept, MinusMaxInt32ReadsAsMinInt32) {
   Expect(qvConvert_strtoint32, ParseCase<int32>{"-2147483646", -2147483646, kNone, "its neighbour above"});
   Expect(qvConvert_strtoint32, ParseCase<int32>{"-2147483647", INT32_MIN, kNone, "the kept one"});
@@ -490,13 +443,4 @@ TEST(qvConvertKept, ANegativeNumberBeyond64BitsIsRangeHigh) {
   Expect(qvConvert_strtoint8, ParseCase<int8>{"-18446744073709551615", -128, kLow, "within 64 bits"});
   Expect(qvConvert_strtoint8, ParseCase<int8>{"-99999999999999999999", 127, kHigh, "beyond"});
   Expect(qvConvert_strtoint16, ParseCase<int16>{"-99999999999999999999", 32767, kHigh, "beyond"});
-}
-
-TEST(qvConvertKept, ThePositionBehindAPointerCountsFromItsDigits) {
-  ExpectPointer({"12x", 12, 2, "nothing was skipped"});
-  ExpectPointer({"  12x", 12, 2, "blanks do not count"});
-  ExpectPointer({"+12x", 12, 2, "the sign does not count"});
-  ExpectPointer({" +0x12z", 0x12, 2, "nor does the prefix"});
-  ExpectPointer({"  0xg", 0, 1, "without a prefix the 0 is a digit"});
-  ExpectPointer({" ++5x", 5, 2, "a second plus counts, it was not skipped but read"});
 }
