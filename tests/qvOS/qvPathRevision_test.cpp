@@ -218,6 +218,9 @@ TEST_P(qvPathRevision, OffsetsAndSizesOutsideTheFileMeanNoStamp) {
       PutNumber(&theBroken, theField.mField, theField.mFieldSize, theValue);
       ExpectNoStamp(theBroken, theField.mWhy + (" at " + std::to_string(theValue)));
     }
+    std::string theBroken = theSound;
+    theBroken[theField.mField + theField.mFieldSize - 1] ^= 1;
+    ExpectNoStamp(theBroken, theField.mWhy + std::string(" by its last byte"));
   }
 }
 
