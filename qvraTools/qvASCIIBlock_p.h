@@ -38,9 +38,14 @@ inline bool qvASCII_S_IsBlock(const uint8* aBytes) {
   return qvASCII_S_AreClear<kqvASCII_BlockSize>(aBytes, kqvASCII_OfBytes(0x80u));
 }
 
-// How many bytes at the start of a text are blocks of ASCII.
+// How many bytes at the start of a text are blocks of ASCII; four of them are looked at together.
 inline size_t qvASCII_S_BlocksLength(const uint8* aBytes, size_t aLength) {
+  const size_t kFour = 4 * kqvASCII_BlockSize;
   size_t theLength = 0;
+  while (aLength - theLength >= kFour &&
+         qvASCII_S_AreClear<kFour>(aBytes + theLength, kqvASCII_OfBytes(0x80u))) {
+    theLength += kFour;
+  }
   while (aLength - theLength >= kqvASCII_BlockSize && qvASCII_S_IsBlock(aBytes + theLength)) {
     theLength += kqvASCII_BlockSize;
   }

@@ -296,7 +296,8 @@ size_t qvUnicode_UTF8ToWide(wchar_t* anOut, const char* anIn, size_t anOutMax) {
 
 size_t qvUnicode_S_ValidLength(const char* aText, size_t aLength) {
   const uint8* theText = reinterpret_cast<const uint8*>(aText);
+  const uint8* theEnd = theText + aLength;
   qvUnicode_S_CharCounter theCounter = {0};
-  return static_cast<size_t>(
-      qvUnicode_S_ReadPiece(theText, theText + aLength, theText + aLength, &theCounter) - theText);
+  const uint8* theRest = theText + qvASCII_S_BlocksLength(theText, aLength);
+  return static_cast<size_t>(qvUnicode_S_ReadPiece(theRest, theEnd, theEnd, &theCounter) - theText);
 }
