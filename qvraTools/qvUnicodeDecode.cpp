@@ -98,8 +98,9 @@ static inline bool qvUnicode_S_IsValidBlock(const uint8* anIn) {
   }
   // The first two bytes are behind none of these.
   uint32 thefWanted = anIn[0] >= 0xC0;
-  return ((theFaults & kqvUnicode_AnswerBits) == 0) & (qvUnicode_S_IsContinuation(anIn[0]) == 0) &
-         (qvUnicode_S_IsContinuation(anIn[1]) == thefWanted);
+  uint32 thefMisplaced =
+      qvUnicode_S_IsContinuation(anIn[0]) | (qvUnicode_S_IsContinuation(anIn[1]) ^ thefWanted);
+  return ((theFaults & kqvUnicode_AnswerBits) | thefMisplaced) == 0;
 }
 
 // How many bytes at the end of a valid block belong to a character that goes on behind it.
