@@ -272,6 +272,17 @@ TEST(qvDictionaryIndex, IndexGoesWithItsDictionary) {
   });
 }
 
+TEST(qvDictionaryIndex, AnIndexThatIsBuiltAgainDoesNotGrow) {
+  ScratchDictionary theDictionary;
+  for (int i = 0; i < 100; ++i) {
+    theDictionary.Write("kept/" + std::to_string(i), "value");
+  }
+  ExpectNoHeapGrowth([&theDictionary] {
+    theDictionary.Write("passing/key", "value");
+    qvDictionary_S_DeleteKeysWith(theDictionary.Get(), "passing/", 8);
+  });
+}
+
 TEST(qvDictionaryIndex, EmptyTextsOfFreeSlotsAreTheirOwn) {
   ScratchDictionary theDictionary(9);
   theDictionary.Write("key", "value");
