@@ -116,7 +116,7 @@ void CheckToEncodedNul(const std::string& aText) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
-  std::string theText = MakeText(std::string(reinterpret_cast<const char*>(aBytes), aLength), 600);
+  std::string theText = MakeText(std::string(reinterpret_cast<const char*>(aBytes), aLength), 256);
   CheckLatin(theText);
   for (const std::string& theUnits : {theText, Units(theText, true), Units(theText, false)}) {
     CheckUTF16(theUnits);
