@@ -25,7 +25,7 @@ static_assert(sizeof(off_t) == 8, "a log file may be a large one");
 
 qvFileLogger* qvFileLogger::sInstance = NULL;
 
-// A piece waits here for those that are sure to follow, so that a line is one write to the stream.
+// A piece waits here for those that are sure to follow, so that a line is one write.
 static char sLine[kqvFileLogger_LineSize];
 static size_t sLineLength = 0;
 static qvFileLogger* sLineOwner = NULL;  // whose piece waits; null: none does
@@ -133,13 +133,24 @@ static void qvFileLogger_S_Write(qvFileLogger* aLogger, const char* aBytes, size
   }
 }
 
-// Whether a line can go past the stream, which costs more than to format the text: it is whole, it is all
-// that its call has to write, the file is the logger's alone, and nothing before it waits in the stream.
-static bool qvFileLogger_S_IsDirect(const qvFileLogger* aLogger, size_t aLength) {
-  FILE* theFile = aLogger->mFile;
-  return aLength > 0 && sLine[aLength - 1] == '\n' && qvLoggerText_IsSharing() &&
-         !qvFileLogger_S_IsStandard(theFile) && __fwriting(theFile) && __fpending(theFile) == 0 &&
-         fileno(theFile) >= 0;
+static void qvFileLogger_S_WriteLine(qvFileLogger* aLogger) {
+  qvFileLogger_S_Write(aLogger, sLine, qvFileLogger_S_TakeLine(aLogger));
+}
+
+// Whether a piece may wait for others: they are sure to come, or the message has only begun to fill a file
+// and its end is; no other logger's waits, and this logger is no object of a derived class, which may write
+// to the stream itself.
+static bool qvFileLogger_S_MayWait(const qvFileLogger* aLogger) {
+  return (qvLoggerMorePieces::Follow() ||
+          (qvLoggerText_IsSharing() && !qvFileLogger_S_IsStandard(aLogger->mFile))) &&
+         (sLineOwner == NULL || sLineOwner == aLogger) && qvLogger_S_IsOwn(aLogger);
+}
+
+// Whether what waits at the end of a message can go past the stream, which costs more than to format the
+// text: it is whole, the file is the logger's alone, and nothing before it waits in the stream.
+static bool qvFileLogger_S_IsDirect(FILE* aFile, size_t aLength) {
+  return aFile != NULL && aLength > 0 && sLine[aLength - 1] == '\n' && !qvFileLogger_S_IsStandard(aFile) &&
+         __fwriting(aFile) && __fpending(aFile) == 0 && fileno(aFile) >= 0;
 }
 
 static bool qvFileLogger_S_WriteToSystem(FILE* aFile, const char* aBytes, size_t aLength) {
@@ -152,22 +163,6 @@ static bool qvFileLogger_S_WriteToSystem(FILE* aFile, const char* aBytes, size_t
     aLength -= static_cast<size_t>(theWritten);
   }
   return true;
-}
-
-static void qvFileLogger_S_WriteLine(qvFileLogger* aLogger) {
-  size_t theLength = qvFileLogger_S_TakeLine(aLogger);
-  if (aLogger->mFile != NULL && qvFileLogger_S_IsDirect(aLogger, theLength)) {
-    qvFileLogger_S_Check(aLogger, qvFileLogger_S_WriteToSystem(aLogger->mFile, sLine, theLength));
-  } else {
-    qvFileLogger_S_Write(aLogger, sLine, theLength);
-  }
-}
-
-// Whether a piece may wait for others: they are sure to come, no other logger's waits, and this logger is no
-// object of a derived class, which may write to the stream itself.
-static bool qvFileLogger_S_MayWait(const qvFileLogger* aLogger) {
-  return qvLoggerMorePieces::Follow() && (sLineOwner == NULL || sLineOwner == aLogger) &&
-         qvLogger_S_IsOwn(aLogger);
 }
 
 bool qvFileLogger::BeginLog(qvLogDataEx* aRecord) {
@@ -213,9 +208,14 @@ void qvFileLogger::Append_S(qvLogDataEx*, const char* aBytes, size_t aLength) {
 }
 
 void qvFileLogger::EndLog(qvLogDataEx*) {
-  qvFileLogger_S_WriteLine(this);
+  size_t theLength = qvFileLogger_S_TakeLine(this);
+  if (qvFileLogger_S_IsDirect(mFile, theLength)) {
+    qvFileLogger_S_Check(this, qvFileLogger_S_WriteToSystem(mFile, sLine, theLength));
+    return;
+  }
+  qvFileLogger_S_Write(this, sLine, theLength);
   // The line was collected in the stream's buffer: this is where a full disk shows.
-  if (mFile != NULL && mLastChar == '\n' && __fpending(mFile) > 0) {
+  if (mFile != NULL && mLastChar == '\n') {
     qvFileLogger_S_Check(this, fflush(mFile) == 0);
   }
 }
