@@ -1,6 +1,7 @@
 #include "qvraTools/qvDictionary.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <signal.h>
 #include <stdint.h>
 
@@ -327,4 +328,14 @@ TEST(qvDictionary, ValueOfAnEmptyKeyMayBeWrittenUnderTheKeyThatTakesItsSlot) {
   theDictionary.Write("", "a value that is longer than most");
   qvDictionary_WriteKey(theDictionary.Get(), "a", qvDictionary_GetValueAtIndex(theDictionary.Get(), 0));
   EXPECT_EQ("a value that is longer than most", theDictionary.Read("a"));
+}
+
+// Some of the lengths fill a block of the allocator to its last byte.
+TEST(qvDictionary, ANewValueHasRoomForItsTerminator) {
+  ScratchDictionary theDictionary;
+  theDictionary.Write("key", "");
+  for (size_t theLength = 1; theLength <= 64; ++theLength) {
+    theDictionary.Write("key", std::string(theLength, 'x'));
+    EXPECT_LE(theLength + 1, malloc_usable_size(theDictionary->mEntries[0].mValue));
+  }
 }
