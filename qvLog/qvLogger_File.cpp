@@ -25,7 +25,7 @@ static_assert(sizeof(off_t) == 8, "a log file may be a large one");
 
 qvFileLogger* qvFileLogger::sInstance = NULL;
 
-// A piece waits here for those that are sure to follow, so that a line is one write.
+// A piece waits here for what is sure to follow, so that a message is one write.
 static char sLine[kqvFileLogger_LineSize];
 static size_t sLineLength = 0;
 static qvFileLogger* sLineOwner = NULL;  // whose piece waits; null: none does
@@ -137,9 +137,9 @@ static void qvFileLogger_S_WriteLine(qvFileLogger* aLogger) {
   qvFileLogger_S_Write(aLogger, sLine, qvFileLogger_S_TakeLine(aLogger));
 }
 
-// Whether a piece may wait for others: they are sure to come, or the message has only begun to fill a file
-// and its end is; no other logger's waits, and this logger is no object of a derived class, which may write
-// to the stream itself.
+// Whether a piece may wait: for others that are sure to come or, if a file is the output, for the end of its
+// message; and no other logger's waits, and this one is no object of a derived class, which may write to the
+// stream itself.
 static bool qvFileLogger_S_MayWait(const qvFileLogger* aLogger) {
   return (qvLoggerMorePieces::Follow() ||
           (qvLoggerText_IsSharing() && !qvFileLogger_S_IsStandard(aLogger->mFile))) &&
@@ -147,7 +147,7 @@ static bool qvFileLogger_S_MayWait(const qvFileLogger* aLogger) {
 }
 
 // Whether what waits at the end of a message can go past the stream, which costs more than to format the
-// text: it is whole, the file is the logger's alone, and nothing before it waits in the stream.
+// text: it ends a line, the file is the logger's alone, and nothing before it waits in the stream.
 static bool qvFileLogger_S_IsDirect(FILE* aFile, size_t aLength) {
   return aFile != NULL && aLength > 0 && sLine[aLength - 1] == '\n' && !qvFileLogger_S_IsStandard(aFile) &&
          __fwriting(aFile) && __fpending(aFile) == 0 && fileno(aFile) >= 0;
