@@ -8,13 +8,12 @@
 #include <string>
 
 // For checks that find the second pass of a function in contradiction to its first: whoever reads the text
-// from front to back and then begins again finds another first byte. A pass that looks for the end first
-// reads the text twice. Only one such text at a time; it takes SIGSEGV over while it lives.
+// from front to back and then begins again finds another first byte. Only one such text at a time; it takes
+// SIGSEGV over while it lives.
 class ChangingText {
  public:
-  // aText has at least 2 bytes; a terminator follows them. The first byte is another one from the reading
-  // with the number aChangedReading on; the first reading has the number 1.
-  ChangingText(const std::string& aText, char aChangedFirstByte, int aChangedReading = 2);
+  // aText has at least 2 bytes; a terminator follows them.
+  ChangingText(const std::string& aText, char aChangedFirstByte);
   ~ChangingText();
   ChangingText(const ChangingText&) = delete;
   ChangingText& operator=(const ChangingText&) = delete;
@@ -28,8 +27,6 @@ class ChangingText {
   char* mPages;
   char* mText;
   char mChangedFirstByte;
-  int mChangedReading;
-  int mReading = 1;
   bool mfAtFirstByte = true;
   struct sigaction mOldAction;
 };
