@@ -36,8 +36,9 @@ static inline uint32 qvUnicode_S_Word(uint8 aByte0, uint8 aByte1, uint8 aByte2) 
 
 // Whether a lead and its continuation bytes stand there, and no shorter form would do.
 static inline bool qvUnicode_S_IsTriple(uint32 aWord) {
-  return ((aWord & qvUnicode_S_Word(0xF0, 0xC0, 0xC0)) == qvUnicode_S_Word(0xE0, 0x80, 0x80)) &
-         ((aWord & qvUnicode_S_Word(0x0F, 0x20, 0)) != 0);
+  uint32 thefShaped = (aWord & qvUnicode_S_Word(0xF0, 0xC0, 0xC0)) == qvUnicode_S_Word(0xE0, 0x80, 0x80);
+  uint32 thefLong = (aWord & qvUnicode_S_Word(0x0F, 0x20, 0)) != 0;
+  return (thefShaped & thefLong) != 0;
 }
 
 // First a look at the leads of the first and the last one, which mostly decides.
