@@ -207,8 +207,11 @@ static bool qvConvert_S_ReadDurationFraction(const char* aStr, int afAcceptFract
     return true;
   }
   theValue *= 1000.0;
-  *aMilliSecond = theValue <= 1000.0 ? static_cast<uint32>(theValue) : 0;
-  return theValue <= 1000.0;
+  if (theValue > 1000.0) {
+    return false;
+  }
+  *aMilliSecond = static_cast<uint32>(theValue);
+  return true;
 }
 
 int qvConvert_dlnadurationstrtouint32_ex(const char* aStr, uint32* aSecond, uint32* aMilliSecond,
