@@ -29,11 +29,6 @@ std::string Output(const std::string& aProgram) {
   return theResult.mStdout;
 }
 
-namespace silent {
-QVLOG_WITH_MODULE_IF(RENDERER, 0)
-void Log() { QV_ERR(F("never")); }
-}  // namespace silent
-
 namespace other {
 QVLOG_WITH_MODULE_IF(TUNER, 1)
 }  // namespace other
@@ -149,12 +144,6 @@ TEST(qvLogMacros, ASourceFileNamesItsModuleOnce) {
   EXPECT_EQ(QVLOG_M_RENDERER, theLogger.mRecord.mModule);
   EXPECT_EQ(QVLOG_M_RENDERER, _s_qvLog_CurrentModule);
   EXPECT_EQ(1, _s_qvLog_CurrentLogActive);
-}
-
-TEST(qvLogMacros, ASourceFileWhoseConditionIsZeroIsSilent) {
-  RecordingLogger theLogger(5);
-  silent::Log();
-  EXPECT_TRUE(theLogger.mMessages.empty());
 }
 
 TEST(qvLogMacros, AModuleMayBeNamedInANamespaceOrAFunctionWithASemicolonOrWithout) {

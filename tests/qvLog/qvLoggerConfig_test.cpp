@@ -372,6 +372,13 @@ TEST(qvLoggerConfig, PopulatingMakesModulesLogByDefault) {
   EXPECT_THAT(theProgram.Populated(), HasSubstr("log_default=1\n"));
 }
 
+TEST(qvLoggerConfig, AModuleThatIsSwitchedOnLogsAlthoughModulesAreSilentByDefault) {
+  LogProgram theProgram;
+  theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\nLOG_SYSTEM=1\nLOG_170=1\n");
+  EXPECT_EQ("0\n1\n1\n",
+            theProgram.Run({"modules-off", "will", "1", "0", "will", "1", "1", "will", "1", "170"}).mStdout);
+}
+
 TEST(qvLoggerConfig, ALoggerWithoutConfigurationTakesItsDefaultsAndWritesNothing) {
   LogProgram theProgram;
   theProgram.Configure("[probe]\nkey=12\ntext=words\nlevel=info\n");

@@ -196,6 +196,18 @@ TEST(qvLoggerPrefix, TheLibrarysLoggersTakeTheStampThatTheFirstLoggerMade) {
   EXPECT_THAT(theLogger.mStr, StartsWith("I 99:99:99:999|"));
 }
 
+TEST(qvLoggerPrefix, BeforeTheBufferIsInitialisedThePrefixOfTheLibrarysLoggersHasNoThread) {
+  qvFuncLogger theLogger(false);
+  qvLogDataEx theRecord = {};
+  theRecord.mFormatted = _qvLog_gData.mFormatted;
+  theRecord.mSizeofFormatted = _qvLog_gData.mSizeofFormatted;
+  theRecord.mLevel = QVLOGLEVEL_INFO;
+  _gfqvLog_gDataInitialized = 0;
+  theLogger.GenerateBeginLine(&theRecord);
+  _gfqvLog_gDataInitialized = 1;
+  EXPECT_THAT(std::string(theLogger.mStr, theLogger.mStrLen), MatchesRegex("I [0-9:]{12}\\|\\|DEFAULT    "));
+}
+
 TEST(qvLoggerPrefix, TheStampIsKeptInTheRecordWithItsLength) {
   RecordingLogger theLogger(2, false);
   qvLogDataEx theRecord = {};

@@ -268,6 +268,23 @@ TEST_F(qvLogdLoggerLosses, ARefusedMessageOfAFullConnectionIsNotSentWhenItDrains
   close(thePair[1]);
 }
 
+TEST_F(qvLogdLoggerLosses, TheEndOfARefusedMessageCountsItWhileItsReportCannotBeSent) {
+  ScriptedLogdLogger theLogger;
+  int thePair[2];
+  ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, thePair));
+  while (send(thePair[0], "full", 4, MSG_NOSIGNAL) > 0) {
+  }
+  theLogger.mState = qvLogdLogger::State_Connected;
+  theLogger.mSocket = thePair[0];
+  theLogger.mLostLogs = 12;
+  EXPECT_FALSE(theLogger.BeginLog(Record()));
+  theLogger.mResults = {{-1, EAGAIN}};
+  theLogger.EndLog(Record());
+  EXPECT_THAT(theLogger.mSent, ElementsAre("\nLOST: 13\n"));
+  EXPECT_EQ(14u, theLogger.mLostLogs);
+  close(thePair[1]);
+}
+
 // --- The buffer ---
 
 TEST_F(qvLogdLoggerLosses, TheBufferGrowsToTheNeededSizeAndNeverShrinks) {

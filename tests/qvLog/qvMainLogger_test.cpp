@@ -86,6 +86,18 @@ TEST(qvMainLogger, TheRecordIsKnownBetweenBeginAndEndOnly) {
   EXPECT_EQ(nullptr, Main()->mLogData);
 }
 
+TEST(qvMainLogger, AMessageThatNobodyTakesLeavesTheOneThatIsBeingBuiltAsItIs) {
+  RecordingLogger theLogger(2);
+  qvLogDataEx theOuter = {};
+  qvLogDataEx theInner = {};
+  Main()->mLogData = &theOuter;
+  theLogger.mfTakes = false;
+  EXPECT_FALSE(Main()->BeginLog(&theInner));
+  EXPECT_EQ(1, theLogger.mBegins);
+  EXPECT_EQ(&theOuter, Main()->mLogData);
+  Main()->mLogData = nullptr;
+}
+
 TEST(qvMainLogger, EveryOperationReachesEveryLoggerThatTakesTheMessageInChainOrder) {
   static std::string sOrder;
   struct Named : RecordingLogger {
