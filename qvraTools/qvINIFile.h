@@ -59,8 +59,9 @@ QVLOG_API const char* qvINIFile_ReadKeyAsString(qvDictionary* aDictionary, const
                                                 const char* aKey, const char* aDefaultValue,
                                                 int* afValueFound);
 
-/* 1 for a whole decimal number other than 0, 0 for the number 0; else the first letter decides, in any case:
- * T and Y are 1, F and N are 0. Anything else gives the default, with *afValueFound = 1. */
+/* 1 for what is wholly the decimal text of an int32 other than 0, 0 for that of 0; else the first letter
+ * decides, in any case: T and Y are 1, F and N are 0. Anything else gives the default, with
+ * *afValueFound = 1. */
 QVLOG_API int qvINIFile_ReadKeyAsBool(qvDictionary* aDictionary, const char* aSection, const char* aKey,
                                       int aDefaultValue, int* afValueFound);
 
