@@ -33,6 +33,7 @@ struct FakeSystem {
   bool mfStoreFails = false;
   bool mfAttributesFail = false;
   int mStored = -1;
+  int mChanges = 0;  // calls that change a thread that is there
   bool mfGateFails = false;
   bool mfPostFails = false;
   int mJoins = 0;
@@ -97,6 +98,15 @@ extern "C" int pthread_attr_setschedparam(pthread_attr_t* anAttributes,
   }
   return gSystem.mfStoreFails ? EINVAL : 0;
 }
+
+extern "C" int pthread_setschedparam(pthread_t, int, const struct sched_param*) noexcept {
+  return ++gSystem.mChanges, 0;
+}
+extern "C" int pthread_setschedprio(pthread_t, int) noexcept { return ++gSystem.mChanges, 0; }
+extern "C" int sched_setscheduler(pid_t, int, const struct sched_param*) noexcept {
+  return ++gSystem.mChanges, 0;
+}
+extern "C" int sched_setparam(pid_t, const struct sched_param*) noexcept { return ++gSystem.mChanges, 0; }
 
 extern "C" int sem_init(sem_t* aSemaphore, int anIsShared, unsigned int aValue) noexcept {
   if (gSystem.mfGateFails) {
@@ -167,6 +177,8 @@ class qvThreadFaults : public testing::Test {
   }
 };
 
+using qvThreadKept = qvThreadFaults;
+
 TEST_F(qvThreadFaults, PriorityIsThatShareOfTheRangeOfTheDefaultPolicy) {
   const struct {
     uint16 mPriority;
@@ -190,6 +202,13 @@ TEST_F(qvThreadFaults, PriorityIsThatShareOfTheRangeOfTheDefaultPolicy) {
   }
   EXPECT_EQ(SCHED_RR, gSystem.mAskedMinOf);
   EXPECT_EQ(SCHED_RR, gSystem.mAskedMaxOf);
+}
+
+TEST_F(qvThreadKept, SetPriorityChangesNoThread) {
+  FakeBounds(1, 99);
+  EXPECT_EQ(0, qvThread_SetPriority(100));
+  EXPECT_EQ(99, gSystem.mStored);
+  EXPECT_EQ(0, gSystem.mChanges);
 }
 
 TEST_F(qvThreadFaults, PriorityWithoutBoundsIsAnError) {
