@@ -95,6 +95,17 @@ TEST(qvConfigConfig, BootstrapFileIsReadBesideTheExecutableAndNotInTheWorkingFol
   EXPECT_EQ("/etc/app/|./|1\n", theBootstrap.Run({"chdir", theElsewhere.Path(), "paths", "ConfigPath.ini"}));
 }
 
+TEST(qvConfigConfig, BootstrapFileOfAJavaProgramIsReadInItsWorkingFolder) {
+  ScratchFolder theFolder;
+  ScratchFolder theElsewhere;
+  const std::string theJava = CopyTestProgram("ConfigProbe", theFolder.Path(), "java");
+  WriteWholeFile(theFolder.File("ConfigPath.ini"), "ReadPath=/wrong/\n");
+  WriteWholeFile(theElsewhere.File("ConfigPath.ini"), "ReadPath=ro\n");
+  EXPECT_EQ("ro|./|1\n",
+            RunProgram(theJava, {"chdir", theElsewhere.Path(), "check", "ConfigPath.ini"}).mStdout);
+  EXPECT_TRUE(FileExists(theElsewhere.File("ro"))) << "the directories that it names lie there as well";
+}
+
 TEST(qvConfigConfig, BootstrapFileIsNeverWrittenOrRepaired) {
   Bootstrap theBootstrap("; comment\nReadPath=/etc/app/\n");
   WriteWholeFile(theBootstrap.Folder().File("_ConfigPath.ini"), "ReadPath=/changed/\n");

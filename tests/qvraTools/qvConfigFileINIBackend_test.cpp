@@ -146,6 +146,7 @@ TEST(qvConfigFileINIBackend, TableIsBuiltAnewAfterItsLastRelease) {
   for (int i = 0; i < 3; ++i) {
     qvConfigFileBackend* theBackend = qvConfigFile_INI_GetBackend();
     EXPECT_NE(nullptr, theBackend->mNew);
+    theBackend->mNew = nullptr;  // the next one is filled again
     qvConfigFile_INI_ReleaseBackend(theBackend);
   }
 }
