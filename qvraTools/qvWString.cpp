@@ -100,7 +100,12 @@ wchar_t* qvWString_Append(wchar_t* aString, const wchar_t* aText) {
   size_t theLength = qvWString_LEN(aString);
   size_t theNewLength = theLength + theTextLength;
   if (qvWString_CAPACITY(aString) < theNewLength) {
+    // A text inside the string moves with it.
+    const uintptr_t theOffset = reinterpret_cast<uintptr_t>(aText) - reinterpret_cast<uintptr_t>(aString);
     aString = qvWString_Alloc(aString, theNewLength);
+    if (theOffset < theLength * sizeof(wchar_t)) {
+      aText = aString + theOffset / sizeof(wchar_t);
+    }
   }
   wmemcpy(aString + theLength, aText, theTextLength);
   aString[theNewLength] = L'\0';

@@ -42,8 +42,7 @@ QVLOG_API size_t qvWString_Length(const wchar_t* aString);
 QVLOG_API void qvWString_Truncate(wchar_t* aString, size_t aLength);
 
 /* Adds a terminated wide text at the end, or in front, and returns the string, possibly moved: the old
- * pointer is no longer valid. An empty text changes nothing. The text that is appended must not lie inside
- * aString. */
+ * pointer is no longer valid. An empty text changes nothing. The text may be the string itself or its end. */
 QVLOG_API wchar_t* qvWString_Append(wchar_t* aString, const wchar_t* aText);
 QVLOG_API wchar_t* qvWString_Prepend(wchar_t* aString, const wchar_t* aText);
 

@@ -4,7 +4,9 @@
 #include <malloc.h>
 #include <signal.h>
 #include <stdint.h>
+#include <string.h>
 
+#include <algorithm>
 #include <cwchar>
 #include <string>
 
@@ -40,9 +42,20 @@ extern "C" void* __wrap_qvMalloc(size_t aSize) {
   return __real_qvMalloc(aSize);
 }
 
+// Whether a block that changes its size moves, and leaves nothing of its bytes behind.
+static bool sfAlwaysMoves = false;
+
 extern "C" void* __wrap_qvRealloc(void* aBlock, size_t aSize) {
   Change();
-  return __real_qvRealloc(aBlock, aSize);
+  if (!sfAlwaysMoves || aBlock == nullptr) {
+    return __real_qvRealloc(aBlock, aSize);
+  }
+  const size_t theOldSize = malloc_usable_size(aBlock);
+  void* theBlock = __real_qvMalloc(aSize);
+  memcpy(theBlock, aBlock, std::min(theOldSize, aSize));
+  memset(aBlock, 0xAA, theOldSize);
+  qvFree(aBlock);
+  return theBlock;
 }
 
 namespace {
@@ -232,6 +245,18 @@ TEST(qvWStringAppend, EmptyStringTakesTheText) {
   StringTest theString(L"");
   theString.Append(L"abc");
   ExpectString(L"abc", 3, theString);
+}
+
+TEST(qvWStringAppend, StringItselfOrItsEndMayBeTheText) {
+  sfAlwaysMoves = true;
+  StringTest theString(L"abc");
+  theString.Append(theString);
+  ExpectString(L"abcabc", 6, theString);
+  theString.Append(theString + 5);
+  ExpectString(L"abcabcc", 7, theString);
+  qvWString_Truncate(theString, 3);
+  theString.Append(theString + 1);
+  ExpectString(L"abcbc", 7, theString);
 }
 
 TEST(qvWStringPrepend, MakesANewStringOfBothTexts) {
