@@ -20,10 +20,9 @@ void Crash(void*) {
   CrashBy(kSignal);
 }
 
-ChildResult CrashInThread(qvThread_Func aCrash, std::string* aTrace) {
+ChildResult CrashInThread(qvThread_Func aCrash, size_t aStackSize, std::string* aTrace) {
   ChildResult theResult = RunInChildKeepingTrace([&] {
-    qvOSThread_Data theData = {
-        aCrash, nullptr, nullptr, qvThread_StackSize_SystemDefault, qvThread_Kind_Joinable, 0};
+    qvOSThread_Data theData = {aCrash, nullptr, nullptr, aStackSize, qvThread_Kind_Joinable, 0};
     qvOSThread* theThread = qvThread_New(&theData);
     qvThread_Run(theThread);
     qvThread_Wait(theThread);
@@ -34,10 +33,10 @@ ChildResult CrashInThread(qvThread_Func aCrash, std::string* aTrace) {
   return theResult;
 }
 
-void ExpectCrash(qvThread_Func aCrash, int aSignal) {
+void ExpectCrash(qvThread_Func aCrash, int aSignal, size_t aStackSize = qvThread_StackSize_SystemDefault) {
   std::string theTrace;
   auto theStart = std::chrono::steady_clock::now();
-  ChildResult theResult = CrashInThread(aCrash, &theTrace);
+  ChildResult theResult = CrashInThread(aCrash, aStackSize, &theTrace);
   EXPECT_GE(std::chrono::steady_clock::now() - theStart, std::chrono::milliseconds(2000));
   EXPECT_EQ(aSignal, theResult.mSignal);
   EXPECT_EQ(0u, theTrace.find("log\n")) << theTrace;
@@ -50,6 +49,13 @@ TEST(qvThreadCrash, IllegalInstructionLeavesATraceAndEndsTheProcess) { ExpectCra
 TEST(qvThreadCrash, BusErrorLeavesATraceAndEndsTheProcess) { ExpectCrash(Crash<SIGBUS>, SIGBUS); }
 TEST(qvThreadCrash, AbortLeavesATraceAndEndsTheProcess) { ExpectCrash(Crash<SIGABRT>, SIGABRT); }
 TEST(qvThreadCrash, ArithmeticErrorLeavesATraceAndEndsTheProcess) { ExpectCrash(Crash<SIGFPE>, SIGFPE); }
+
+TEST(qvThreadCrash, TheDefaultStackHasRoomForTheTrace) {
+  if (kSanitized) {
+    GTEST_SKIP() << "what the sanitizer compiles needs more stack";
+  }
+  ExpectCrash(Crash<SIGSEGV>, SIGSEGV, qvThread_StackSize_Default);
+}
 
 void ResetHandlers() {
   for (int theSignal = 1; theSignal < 32; ++theSignal) {
