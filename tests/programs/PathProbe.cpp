@@ -4,6 +4,7 @@
 //   full            the full path of the executable
 //   path            its directory
 //   name            its name
+//   bare            its directory and its name, each asked for without an extension
 //   normalize PATH  PATH in the native mode without an anchor
 //   dirs PATH       whether CreatePath makes the directory PATH
 //   race            whether eight threads that ask at once for the first time all get the same path
@@ -66,6 +67,9 @@ int main(int argc, char** argv) {
       Print(qvPath_GetApplicationPath(0));
     } else if (theCommand == "name") {
       Print(qvPath_GetApplicationName(0));
+    } else if (theCommand == "bare") {
+      Print(qvPath_GetApplicationPath(1));
+      Print(qvPath_GetApplicationName(1));
     } else if (theCommand == "normalize") {
       Print(qvPath_Normalize(argv[++i], 0, kqvPathNormalizeMode_Native, NULL));
     } else if (theCommand == "dirs") {

@@ -172,8 +172,10 @@ TEST(qvPath, TheExecutableHasAFullPathADirectoryAndAName) {
 }
 
 TEST(qvPath, TheExtensionStaysWhateverRemoveExtensionSays) {
-  EXPECT_EQ(TakeText(qvPath_GetApplicationName(0)), TakeText(qvPath_GetApplicationName(1)));
-  EXPECT_EQ(TakeText(qvPath_GetApplicationPath(0)), TakeText(qvPath_GetApplicationPath(1)));
+  ScratchFolder theScratch;
+  const std::string theFolder = MakeFolder(theScratch, "folder.d");
+  EXPECT_EQ(theFolder + "/\nprog.bin\n" + theFolder + "/\nprog.bin\n",
+            Probe(theFolder, "prog.bin", {"path", "name", "bare"}));
 }
 
 TEST(qvPath, AJavaProgramsPathIsItsWorkingDirectory) {
