@@ -155,6 +155,8 @@ char* qvPath_GetFunctionSharedLibraryPath(qvDefaultFunctionPtr aFunctionPtr) {
 
 char* qvPath_GetSystemFontPath(void) { return NULL; }
 
+// KEEP qvPath.RealPathCopiesWhatHasNoPlaceholder
+// Against its name it follows no link: it is there for placeholders, and this platform has none.
 char* qvPath_RealPath(const char* aPath) {
   if (aPath == NULL || strchr(aPath, '<') != NULL) {
     return NULL;

@@ -61,6 +61,8 @@ int qvSemaphore_Post(qvOSSemaphore* aSemaphore) {
 
 int qvSemaphore_Wait(qvOSSemaphore* aSemaphore) {
   QVMAGICNUMBER_CHECK(aSemaphore, kqvSemaphore_Magic);
+  // KEEP qvSemaphore.AnInterruptedWaitIsAnErrorAndIsNotResumed
+  // No loop, usual as one is here: a signal ends the wait, and whether to wait on is for the caller to say.
   return sem_wait(&aSemaphore->mSemaphore) != 0 ? qvSemaphore_Status_Error : qvSemaphore_Status_NoError;
 }
 
@@ -77,5 +79,6 @@ int qvSemaphore_WaitTimeout(qvOSSemaphore* aSemaphore, uint32 aMSDelay) {
   }
   struct timespec theDeadline;
   qvSemaphore_S_MakeDeadline(&theNow, aMSDelay, &theDeadline);
+  // KEEP qvSemaphore.AnInterruptedWaitTimeoutIsAnErrorAndIsNotResumed
   return qvSemaphore_S_StatusOfWait(sem_timedwait(&aSemaphore->mSemaphore, &theDeadline), ETIMEDOUT);
 }
