@@ -62,6 +62,7 @@ TEST(qvLogLife, EachOfTheFirstCallsInitialises) {
       {"qvLog_SetLogFunc", [] { qvLog_SetLogFunc(0, IgnoreMessage, nullptr); }},
       {"qvLog_NeverLog", [] { qvLog_NeverLog(); }},
       {"a logger's constructor", [] { RecordingLogger theLogger(2); }},
+      {"a framework lock", [] { EXPECT_FALSE(qvLogger::NeverLog()); }},
   };
   for (const auto& theCase : kCalls) {
     SCOPED_TRACE(theCase.mWhat);

@@ -20,6 +20,8 @@ using testing::ElementsAre;
 
 qvLogDataEx* Extended(qvLogData* aData) { return static_cast<qvLogDataEx*>(aData); }
 
+void IgnoreMessage(void*, const qvLogData*, const char*, size_t) {}
+
 }  // namespace
 
 TEST(qvLog, AMessageGoesFromBeginToEnd) {
@@ -228,6 +230,32 @@ TEST(qvLog, AMessageOfAnotherThreadWaitsForTheEndOfThisOne) {
     qvLog_End(theData);
   }
   EXPECT_THAT(theLogger.mMessages, ElementsAre("first message", "second"));
+}
+
+TEST(qvLog, AReconfigurationWaitsForTheFrameworkLock) {
+  RecordingLogger theLogger(2);
+  qvLogger::LockFramework();
+  {
+    SleepingThread theReload([] { qvLog_ReloadConfig(); });
+    SleepingThread theRegistration([] { qvLog_SetLogFunc(6, IgnoreMessage, nullptr); });
+    EXPECT_EQ(0, theLogger.mReloads);
+    EXPECT_EQ(2, _qvLog_Level);
+    qvLogger::UnlockFramework();
+  }
+  EXPECT_EQ(1, theLogger.mReloads);
+  EXPECT_EQ(6, _qvLog_Level);
+  qvLog_SetLogFunc(0, IgnoreMessage, nullptr);
+}
+
+TEST(qvLog, ALoggerReloadsUnderTheFrameworkLock) {
+  struct LoggingAtReload : RecordingLogger {
+    LoggingAtReload() : RecordingLogger(2) {}
+    void ReloadConfig() override { mfLogged = LogText(1, 0, "nested in the lock"); }
+    bool mfLogged = true;
+  };
+  LoggingAtReload theLogger;
+  qvLog_ReloadConfig();
+  EXPECT_FALSE(theLogger.mfLogged);
 }
 
 TEST(qvLogKept, AFrameworkOperationInsideALoggersOutputEndsTheProtectionAgainstNestedMessages) {

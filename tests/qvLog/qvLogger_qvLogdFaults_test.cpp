@@ -42,10 +42,10 @@ struct FakeSystem {
 FakeSystem sSystem;
 
 // To any free one when aPort is 0. Returns the port, or 0 when it is taken.
-uint16_t BindToPort(int aSocket, uint16_t aPort) {
+uint16_t BindToPort(int aSocket, uint16_t aPort, in_addr_t anAddress = INADDR_LOOPBACK) {
   struct sockaddr_in theAddress = {};
   theAddress.sin_family = AF_INET;
-  theAddress.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  theAddress.sin_addr.s_addr = htonl(anAddress);
   theAddress.sin_port = htons(aPort);
   socklen_t theLength = sizeof(theAddress);
   struct sockaddr* theBytes = reinterpret_cast<struct sockaddr*>(&theAddress);
@@ -332,6 +332,18 @@ TEST_F(qvLogdLoggerFaults, ASocketThatTheSystemConnectsToItselfIsGivenUpAndLeave
   EXPECT_EQ(0, listen(theDaemon, 1));
   sSystem.mOwnPort.reset();
   EXPECT_TRUE(LogText(1, 0, "x\n"));
+  close(theDaemon);
+}
+
+TEST_F(qvLogdLoggerFaults, ADaemonAtAnotherAddressIsReachedFromAPortOfTheSameNumber) {
+  int theDaemon = __real_socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  uint16_t thePort = BindToPort(theDaemon, 0, INADDR_LOOPBACK + 1);
+  EXPECT_EQ(0, listen(theDaemon, 1));
+  mVariable.Set(("127.0.0.2:" + std::to_string(thePort)).c_str());
+  qvLog_ReloadConfig();
+  sSystem.mOwnPort = thePort;
+  EXPECT_TRUE(LogText(1, 0, "x\n"));
+  EXPECT_TRUE(mLogger.IsConnected());
   close(theDaemon);
 }
 

@@ -169,6 +169,11 @@ TEST_F(qvLogdLoggerLosses, TheEndOfAMessageWithoutAConnectionCountsItAndSendsNot
   theLogger.mState = qvLogdLogger::State_Connecting;
   SendText(theLogger, "abc");
   EXPECT_EQ(2u, theLogger.mLostLogs);
+  close(theLogger.mSocket);
+  theLogger.mSocket = -1;
+  theLogger.mState = qvLogdLogger::State_Connected;
+  SendText(theLogger, "abc");
+  EXPECT_EQ(3u, theLogger.mLostLogs);
   EXPECT_TRUE(theLogger.mSent.empty());
 }
 
