@@ -15,10 +15,13 @@
  * The text: lines "key = value" under headers "[section]". A line that begins with ';' or '#' is a comment;
  * an unquoted value ends at the first ';' or '#'. A value in double or single quotes may hold anything but
  * that quote; a backslash in it makes the next character literal. A line without '=' is a key with the empty
- * value. A UTF-8 byte order mark at the start is skipped. What does not survive a save: line breaks in
- * values, white space other than blanks at their ends, a section whose name holds '/', which is neither
- * counted nor named, and keys of the default section when another section was written before it, as can be in
- * a dictionary that nothing was loaded into: they follow that section's keys and load as such. */
+ * value. A UTF-8 byte order mark at the start is skipped.
+ *
+ * What does not survive a save: line breaks; white space other than blanks at the ends of values, any at
+ * those of names; a key that is empty, holds '=', begins with ';' or '#', or with '[' when a ']' follows; a
+ * section whose name holds ']', or '/', with which it is neither counted nor named; and keys of the default
+ * section when another section was written before it, as can be in a dictionary that nothing was loaded into:
+ * they follow that section's keys and load as such. */
 #ifndef QVRATOOLS_QVINIFILE_H
 #define QVRATOOLS_QVINIFILE_H
 
