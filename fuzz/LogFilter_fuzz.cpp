@@ -5,28 +5,32 @@
 
 #include <time.h>
 
-#include <vector>
+#include <string_view>
 
 #include "FuzzInput.h"
 #include "tools/logstream/LogTimeText.h"
 #include "tools/logstream/LogWildcard.h"
 
 // The table's rows are what of the text is taken, its columns what of the pattern.
-static bool MatchesByTable(const std::string& aPattern, const std::string& aText) {
-  std::vector<bool> theRow(aPattern.size() + 1, false);
-  theRow[0] = true;
-  for (size_t j = 0; j < aPattern.size() && aPattern[j] == '*'; ++j) {
-    theRow[j + 1] = true;
+static bool MatchesByTable(std::string_view aPattern, std::string_view aText) {
+  static const size_t kMaxPattern = 8192;
+  static bool sRow[kMaxPattern + 1];
+  FUZZ_REQUIRE(aPattern.size() <= kMaxPattern);
+  sRow[0] = true;
+  for (size_t j = 0; j < aPattern.size(); ++j) {
+    sRow[j + 1] = sRow[j] && aPattern[j] == '*';
   }
   for (char theChar : aText) {
-    std::vector<bool> theNext(aPattern.size() + 1, false);
+    bool theBefore = sRow[0];  // what stood in the column on the left
+    sRow[0] = false;
     for (size_t j = 0; j < aPattern.size(); ++j) {
-      theNext[j + 1] = aPattern[j] == '*' ? theNext[j] || theRow[j + 1] || theRow[j]
-                                          : theRow[j] && (aPattern[j] == '?' || aPattern[j] == theChar);
+      bool theOld = sRow[j + 1];
+      sRow[j + 1] = aPattern[j] == '*' ? sRow[j] || theOld || theBefore
+                                       : theBefore && (aPattern[j] == '?' || aPattern[j] == theChar);
+      theBefore = theOld;
     }
-    theRow.swap(theNext);
   }
-  return theRow[aPattern.size()];
+  return sRow[aPattern.size()];
 }
 
 static std::string WithSmallLetters(std::string aText) {

@@ -4,6 +4,7 @@
 #define FUZZ_SETTINGSMODEL_H
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,20 +16,20 @@ class SettingsModel {
 
   // The text up to the first line that ends the process on purpose: one that is all key, and too long for
   // one.
-  static std::string LoadablePart(const std::string& aText);
+  static std::string_view LoadablePart(std::string_view aText);
 
-  void Load(const std::string& aText);
+  void Load(std::string_view aText);
   // The text of the file when the settings are saved.
   std::string Save() const;
   // Whether the format can carry all of them: names and values that come back as they are.
   bool SurvivesSaving() const;
 
   const std::vector<Entry>& Entries() const { return mEntries; }
-  const std::string* Find(const std::string& aName) const;
+  const std::string* Find(std::string_view aName) const;
 
  private:
-  void Set(const std::string& aName, const std::string& aValue);
-  void LoadLine(const std::string& aLine, std::string* aSection);
+  void Set(std::string_view aName, std::string_view aValue);
+  void LoadLine(std::string_view aLine, std::string* aSection);
   bool EntrySurvivesSaving(const Entry& anEntry) const;
 
   std::vector<Entry> mEntries;

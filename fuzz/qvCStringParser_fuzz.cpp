@@ -1,6 +1,7 @@
 // Tokens are those of a plain reading of the rules, and point into the text; escaped copies hold every byte.
 #include "qvraTools/qvCStringParser.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "FuzzInput.h"
@@ -8,32 +9,36 @@
 
 namespace {
 
-typedef std::vector<std::string> Tokens;
+typedef std::vector<std::string_view> Tokens;
 
 const char kQuotes[] = "\"'";
 const char kSpaces[] = " \t\n\v\f\r";
 
-// Takes the list, which belongs to the text in a block of the given size.
-Tokens Take(qvCStringParser_TokenList* aList, const char* aText, size_t aSize) {
-  Tokens theTokens;
+// Takes the list, which belongs to the text in a block of the given size, and compares it.
+void CheckTokens(qvCStringParser_TokenList* aList, const char* aText, size_t aSize,
+                 const Tokens& anExpected) {
   const char* thePosition = aText;
   const qvCStringParser_Token* theLast = nullptr;
+  size_t theCount = 0;
   for (qvCStringParser_Token* theToken = aList->mFirstToken; theToken != nullptr;
        theToken = theToken->mNextToken) {
     FUZZ_REQUIRE(theToken->mData >= thePosition);
     thePosition = theToken->mData + theToken->mDataLength;
     FUZZ_REQUIRE(thePosition <= aText + aSize);
-    theTokens.emplace_back(theToken->mData, theToken->mDataLength);
+    FUZZ_REQUIRE(theCount < anExpected.size());
+    FUZZ_REQUIRE(std::string_view(theToken->mData, theToken->mDataLength) == anExpected[theCount]);
+    ++theCount;
     theLast = theToken;
   }
+  FUZZ_REQUIRE(theCount == anExpected.size());
   FUZZ_REQUIRE(aList->mLastToken == theLast);
-  FUZZ_REQUIRE(aList->mTokenCount == theTokens.size());
+  FUZZ_REQUIRE(aList->mTokenCount == theCount);
   qvCStringParser_Delete(aList);
-  return theTokens;
 }
 
-Tokens SplitEscaped(const std::string& aText, size_t anOffset, const std::string& aDelimiter, char anEscape) {
+Tokens SplitEscaped(std::string_view aText, size_t anOffset, std::string_view aDelimiter, char anEscape) {
   Tokens theTokens;
+  theTokens.reserve(16);
   size_t theStart = anOffset;
   size_t theFrom = anOffset;
   for (;;) {
@@ -52,9 +57,10 @@ Tokens SplitEscaped(const std::string& aText, size_t anOffset, const std::string
 }
 
 // Splits aText, whose first aDelimiterEnd bytes are those in which delimiters count.
-Tokens SplitQuoted(const std::string& aText, size_t anOffset, size_t aDelimiterEnd,
-                   const std::string& aDelimiter) {
+Tokens SplitQuoted(std::string_view aText, size_t anOffset, size_t aDelimiterEnd,
+                   std::string_view aDelimiter) {
   Tokens theTokens;
+  theTokens.reserve(16);
   size_t theStart = anOffset;
   size_t theFrom = anOffset;
   for (;;) {
@@ -78,14 +84,14 @@ Tokens SplitQuoted(const std::string& aText, size_t anOffset, size_t aDelimiterE
   }
 }
 
-std::string Trim(const std::string& aText) {
+std::string_view Trim(std::string_view aText) {
   size_t theStart = aText.find_first_not_of(kSpaces);
   return theStart == std::string::npos
-             ? std::string()
+             ? std::string_view()
              : aText.substr(theStart, aText.find_last_not_of(kSpaces) - theStart + 1);
 }
 
-std::string Unquote(const std::string& aText) {
+std::string_view Unquote(std::string_view aText) {
   bool theQuotedFlag =
       aText.size() >= 2 && aText.front() == aText.back() && (aText.front() == '"' || aText.front() == '\'');
   return theQuotedFlag ? aText.substr(1, aText.size() - 2) : aText;
@@ -93,8 +99,9 @@ std::string Unquote(const std::string& aText) {
 
 Tokens Cleaned(const Tokens& aTokens, bool afDropEmpty) {
   Tokens theCleaned;
-  for (const std::string& theToken : aTokens) {
-    std::string theTrimmed = Trim(theToken);
+  theCleaned.reserve(aTokens.size());
+  for (std::string_view theToken : aTokens) {
+    std::string_view theTrimmed = Trim(theToken);
     if (!afDropEmpty || !theTrimmed.empty()) {
       theCleaned.push_back(Unquote(theTrimmed));
     }
@@ -108,34 +115,34 @@ void CheckSplitting(const std::string& aText, const std::string& aDelimiter, cha
   const char* theText = theCopy.Data();
   ExactCopy theDelimiterCopy(aDelimiter);
   const char* theDelimiter = theDelimiterCopy.Data();
-  FUZZ_REQUIRE(Take(qvCStringParser_TokenizeEscaped(theText, anOffset, theSize, theDelimiter,
-                                                    aDelimiter.size(), anEscape),
-                    theText, theSize) == SplitEscaped(aText, anOffset, aDelimiter, anEscape));
-  FUZZ_REQUIRE(Take(qvCStringParser_Tokenize(theText, anOffset, theSize, theDelimiter, aDelimiter.size()),
-                    theText, theSize) == SplitEscaped(aText, anOffset, aDelimiter, '\0'));
+  size_t theLength = aDelimiter.size();
+  CheckTokens(qvCStringParser_TokenizeEscaped(theText, anOffset, theSize, theDelimiter, theLength, anEscape),
+              theText, theSize, SplitEscaped(aText, anOffset, aDelimiter, anEscape));
+  CheckTokens(qvCStringParser_Tokenize(theText, anOffset, theSize, theDelimiter, theLength), theText, theSize,
+              SplitEscaped(aText, anOffset, aDelimiter, '\0'));
   // Here the length counts from the offset, but delimiters end at or before the position of that number.
   size_t theCount = theSize - anOffset;
-  FUZZ_REQUIRE(
-      Take(qvCStringParser_TokenizeQuoted(theText, anOffset, theCount, theDelimiter, aDelimiter.size()),
-           theText, theSize) == SplitQuoted(aText, anOffset, theCount, aDelimiter));
-  FUZZ_REQUIRE(Take(qvCStringParser_TokenizeQuotedList(theText, anOffset, theCount), theText, theSize) ==
-               Cleaned(SplitQuoted(aText, anOffset, theCount, ","), false));
-  FUZZ_REQUIRE(Take(qvCStringParser_TokenizeParameterList(theText, anOffset, theCount), theText, theSize) ==
-               Cleaned(SplitQuoted(aText, anOffset, theCount, " "), true));
+  CheckTokens(qvCStringParser_TokenizeQuoted(theText, anOffset, theCount, theDelimiter, theLength), theText,
+              theSize, SplitQuoted(aText, anOffset, theCount, aDelimiter));
+  CheckTokens(qvCStringParser_TokenizeQuotedList(theText, anOffset, theCount), theText, theSize,
+              Cleaned(SplitQuoted(aText, anOffset, theCount, ","), false));
+  CheckTokens(qvCStringParser_TokenizeParameterList(theText, anOffset, theCount), theText, theSize,
+              Cleaned(SplitQuoted(aText, anOffset, theCount, " "), true));
 }
 
 void CheckListContains(const std::string& aText, const std::string& aDelimiter, const std::string& aValue) {
   std::string theList = aText.c_str();
   Tokens theTokens = Cleaned(SplitQuoted(theList, 0, theList.size(), aDelimiter), false);
   bool theFound = false;
-  for (const std::string& theToken : theTokens) {
+  for (std::string_view theToken : theTokens) {
     theFound = theFound || theToken == aValue;
   }
   FUZZ_REQUIRE(qvCStringParser_ListContains(ExactCopy(theList, true).Data(), aDelimiter.c_str(),
                                             aValue.c_str()) == (theFound ? 1 : 0));
   // Each token of the list is in the list, as long as it is a text.
   FUZZ_REQUIRE(theTokens[0].find('\0') != std::string::npos ||
-               qvCStringParser_ListContains(theList.c_str(), aDelimiter.c_str(), theTokens[0].c_str()) == 1);
+               qvCStringParser_ListContains(theList.c_str(), aDelimiter.c_str(),
+                                            std::string(theTokens[0]).c_str()) == 1);
 }
 
 void CheckTrim(const std::string& aText) {
@@ -145,12 +152,12 @@ void CheckTrim(const std::string& aText) {
   size_t theStart = theText.find_first_not_of(kSpaces);
   for (int theFlags = 0; theFlags < 4; ++theFlags) {
     char* theTrimmed = qvCStringParser_Trim(theCopy.Data(), theText.size(), theFlags & 1, theFlags >> 1);
-    std::string theExpected = theText;
+    std::string_view theExpected = theText;
     if ((theFlags & 2) != 0) {
-      theExpected.erase(theExpected.find_last_not_of(kSpaces) + 1);
+      theExpected = theExpected.substr(0, theText.find_last_not_of(kSpaces) + 1);
     }
     if ((theFlags & 1) != 0) {
-      theExpected.erase(0, theStart == std::string::npos ? theExpected.size() : theStart);
+      theExpected.remove_prefix(std::min(theStart, theExpected.size()));
     }
     FUZZ_REQUIRE(theExpected == theTrimmed);
     qvFree(theTrimmed);
@@ -175,13 +182,17 @@ void CheckEscape(const std::string& aText, const std::string& aCharsToEscape) {
   char* theEscaped =
       qvCStringParser_EscapeAndSurround(theCopy.Data(), aText.size(), theChars.data(), '/', '<', '>');
   std::string theExpected = "<";
+  theExpected.reserve(2 * aText.size() + 2);
   for (char theChar : aText) {
-    theExpected += theFinding.find(theChar) != std::string::npos ? "\\" : "";
+    if (theFinding.find(theChar) != std::string::npos) {
+      theExpected += '\\';
+    }
     theExpected += theChar;
   }
-  theExpected += ">";
+  theExpected += '>';
   FUZZ_REQUIRE(memcmp(theEscaped, theExpected.c_str(), theExpected.size() + 1) == 0);
   std::string thePlain;
+  thePlain.reserve(aText.size());
   for (size_t i = 1; i + 1 < theExpected.size(); ++i) {
     i += theEscaped[i] == '\\' ? 1 : 0;
     thePlain += theEscaped[i];

@@ -1,6 +1,8 @@
 // The wide family prints what the narrow family prints.
 #include <wchar.h>
 
+#include <memory>
+
 #include "FormatInput.h"
 #include "qvraTools/format/qvFormat.h"
 #include "qvraTools/qvMalloc.h"

@@ -21,11 +21,11 @@ void CompareWithPlatform(const FormatInput& anInput, size_t aRoom) {
     int theLength = snprintf(sTheirs, sizeof(sTheirs), theFormat, aValues...);
     FUZZ_REQUIRE(qv_snprintf(sOurs, sizeof(sOurs), theFormat, aValues...) == theLength);
     FUZZ_REQUIRE(memcmp(sOurs, sTheirs, static_cast<size_t>(theLength) + 1) == 0);
-    std::unique_ptr<char[]> theCut(new char[aRoom]);
-    FUZZ_REQUIRE(qv_snprintf(theCut.get(), aRoom, theFormat, aValues...) == theLength);
+    ExactBytes theCut(aRoom);
+    FUZZ_REQUIRE(qv_snprintf(theCut.Data(), aRoom, theFormat, aValues...) == theLength);
     if (aRoom > 0) {
       size_t theKept = std::min(static_cast<size_t>(theLength), aRoom - 1);
-      FUZZ_REQUIRE(memcmp(theCut.get(), sTheirs, theKept) == 0 && theCut[theKept] == '\0');
+      FUZZ_REQUIRE(memcmp(theCut.Data(), sTheirs, theKept) == 0 && theCut.Data()[theKept] == '\0');
     }
     size_t theAllocatedLength = 0;
     char* theAllocated = qv_lmnprintf(&theAllocatedLength, theFormat, aValues...);
@@ -43,8 +43,8 @@ void CheckCount(const FormatInput& anInput, size_t aRoom) {
     CallWithArguments(anInput.Arguments(), [&](auto... aValues) {
       if constexpr (sizeof...(aValues) < FormatInput::kMaxArguments) {
         int theCount = -1;
-        std::unique_ptr<char[]> theCut(new char[aRoom]);
-        int theLength = qv_snprintf(theCut.get(), aRoom, theFormat.c_str(), aValues..., &theCount);
+        ExactBytes theCut(aRoom);
+        int theLength = qv_snprintf(theCut.Data(), aRoom, theFormat.c_str(), aValues..., &theCount);
         FUZZ_REQUIRE(theLength == theCount + 4);
       }
     });
@@ -66,20 +66,20 @@ void CheckAnyFormat(const std::string& aFormat, size_t aRoom) {
   ExactCopy theCopy(aFormat, true);
   const char* theFormat = theCopy.Data();
   int theLength = qv_snprintf(nullptr, 0, theFormat, 1LL, 2LL, 3LL, 4LL, 5LL, 6LL, 7LL, 8LL);
-  std::unique_ptr<char[]> theCut(new char[aRoom]);
-  FUZZ_REQUIRE(qv_snprintf(theCut.get(), aRoom, theFormat, 1LL, 2LL, 3LL, 4LL, 5LL, 6LL, 7LL, 8LL) ==
+  ExactBytes theCut(aRoom);
+  FUZZ_REQUIRE(qv_snprintf(theCut.Data(), aRoom, theFormat, 1LL, 2LL, 3LL, 4LL, 5LL, 6LL, 7LL, 8LL) ==
                theLength);
   if (theLength < 0) {
     int theCode = QVFORMAT_ERROR_CODE(theLength);
     FUZZ_REQUIRE(theCode >= VEXA_EOF && theCode <= VEXA_ERANGE && theCode != VEXA_ENOMEM);
     FUZZ_REQUIRE(static_cast<size_t>(QVFORMAT_ERROR_POSITION(theLength)) <= aFormat.size());
-    FUZZ_REQUIRE(aRoom == 0 || theCut[0] == '\0');
+    FUZZ_REQUIRE(aRoom == 0 || theCut.Data()[0] == '\0');
     FUZZ_REQUIRE(qv_mnprintf(theFormat, 1LL, 2LL, 3LL, 4LL, 5LL, 6LL, 7LL, 8LL) == nullptr);
   } else if (theLength < 1 << 16) {  // a width of thousands of millions is only counted
     char* theText = qv_mnprintf(theFormat, 1LL, 2LL, 3LL, 4LL, 5LL, 6LL, 7LL, 8LL);
     size_t theKept = aRoom > 0 ? std::min(static_cast<size_t>(theLength), aRoom - 1) : 0;
-    FUZZ_REQUIRE(memcmp(theText, theCut.get(), theKept) == 0);
-    FUZZ_REQUIRE(theText[theLength] == '\0' && (aRoom == 0 || theCut[theKept] == '\0'));
+    FUZZ_REQUIRE(memcmp(theText, theCut.Data(), theKept) == 0);
+    FUZZ_REQUIRE(theText[theLength] == '\0' && (aRoom == 0 || theCut.Data()[theKept] == '\0'));
     qvFree(theText);
   }
 }

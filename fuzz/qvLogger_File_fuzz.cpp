@@ -5,6 +5,8 @@
 #include <stdlib.h>
 #include <time.h>
 
+#include <memory>
+
 #include "FuzzInput.h"
 #include "LogModel.h"
 #include "MemoryFiles.h"
@@ -286,7 +288,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   bool thePopulateFlag = theInput.Byte() % 8 == 7;
   std::string theReadOnly = thePopulateFlag ? "" : kNoPopulating;
   theReadOnly += SettingsModel::LoadablePart(theInput.Text());
-  std::string theReadWrite = SettingsModel::LoadablePart(theInput.Text());
+  std::string theReadWrite(SettingsModel::LoadablePart(theInput.Text()));
   theMessages[0].mText = theInput.Text();
   theMessages[1].mText = theInput.Rest();
   for (Message& theMessage : theMessages) {

@@ -5,13 +5,12 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <vector>
 
 #include "FuzzInput.h"
 #include "TextRecipe.h"
-#include "UTFModel.h"
 #include "qvraTools/qvMalloc.h"
 #include "qvraTools/qvUTF_p.h"
+#include "tests/support/UTFModel.h"
 
 namespace {
 
@@ -34,57 +33,66 @@ void CheckLatin(const std::string& aText) {
 
 // ----------------------------------------------------------------------------------------------- UTF-16
 
-void CheckUTF16(const std::string& aText) {
-  ExactCopy theCopy(aText);
-  CheckResult(qvUTF_UTF16BEToUTF8(theCopy.Data(), aText.size()), FromUTF16(aText, true));
-  CheckResult(qvUTF_UTF16LEToUTF8(theCopy.Data(), aText.size()), FromUTF16(aText, false));
-  std::string theExpected;
-  if (aText.size() >= 2) {
-    theExpected = FromUTF16(aText.substr(2), static_cast<uint8_t>(aText[0]) == 0xFE);
-  }
-  CheckResult(qvUTF_UTF16BOMToUTF8(theCopy.Data(), aText.size()), theExpected);
+// In room of some size: what does not fit is left out, and counted all the same. The expected text has a
+// terminator.
+void CheckUTF16Worker(const ExactBytes& aText, bool afBigEndian, bool afStrict, size_t aMissing,
+                      const std::string& anExpected, int anExpectedResult) {
+  ExactBytes theRoom(anExpected.size() - std::min(aMissing, anExpected.size()));
+  size_t theCount = 0;
+  int theResult = qvUTF_S_UTF16ToUTF8(aText.Data(), aText.Size(), afBigEndian, afStrict, theRoom.Data(),
+                                      theRoom.Size(), &theCount);
+  FUZZ_REQUIRE(theResult == (theRoom.Size() < anExpected.size() ? 4 : anExpectedResult));
+  FUZZ_REQUIRE(theCount == anExpected.size());
+  FUZZ_REQUIRE(memcmp(theRoom.Data(), anExpected.data(), theRoom.Size()) == 0);
 }
 
-// In room of some size: what does not fit is left out, and counted all the same.
-void CheckUTF16Worker(const std::string& aText, bool afBigEndian, bool afStrict, size_t aMissing) {
-  int theExpectedResult;
-  std::string theExpected = FromUTF16(aText, afBigEndian, afStrict, &theExpectedResult) + '\0';
-  size_t theRoom = theExpected.size() - std::min(aMissing, theExpected.size());
-  std::unique_ptr<char[]> theBytes(new char[theRoom]);
-  size_t theCount = 0;
-  int theResult = qvUTF_S_UTF16ToUTF8(ExactCopy(aText).Data(), aText.size(), afBigEndian, afStrict,
-                                      theBytes.get(), theRoom, &theCount);
-  FUZZ_REQUIRE(theResult == (theRoom < theExpected.size() ? 4 : theExpectedResult));
-  FUZZ_REQUIRE(theCount == theExpected.size());
-  FUZZ_REQUIRE(memcmp(theBytes.get(), theExpected.data(), theRoom) == 0);
+// The mark at the start says which order it is, and does not count.
+void CheckByteOrderMark(const std::string& aText) {
+  std::string theExpected;
+  if (aText.size() >= 2) {
+    theExpected = FromUTF16(std::string_view(aText).substr(2), static_cast<uint8_t>(aText[0]) == 0xFE);
+  }
+  CheckResult(qvUTF_UTF16BOMToUTF8(ExactCopy(aText).Data(), aText.size()), theExpected);
+}
+
+// One of the two orders, in room that lacks so many bytes.
+void CheckUTF16(const std::string& aText, bool afBigEndian, bool afStrict, size_t aMissing) {
+  ExactCopy theCopy(aText);
+  int theResult;
+  std::string theExpected = FromUTF16(aText, afBigEndian, false, &theResult);
+  CheckResult(afBigEndian ? qvUTF_UTF16BEToUTF8(theCopy.Data(), aText.size())
+                          : qvUTF_UTF16LEToUTF8(theCopy.Data(), aText.size()),
+              theExpected);
+  if (afStrict) {
+    theExpected = FromUTF16(aText, afBigEndian, true, &theResult);
+  }
+  theExpected += '\0';
+  CheckUTF16Worker(theCopy, afBigEndian, afStrict, aMissing, theExpected, theResult);
 }
 
 // --------------------------------------------------------------------------------------- modified UTF-8
 
-// Into as much room as is needed and into one byte less, where the rest has to be there all the same.
+// Into as much room as is needed, or into one byte less, where the rest has to be there all the same.
 template <typename Converter>
-void CheckIntoRoom(Converter aConverter, const std::string& aText, const std::string& anExpected) {
-  ExactCopy theCopy(aText);
-  int theLength = static_cast<int>(aText.size());
-  for (size_t theMissing : {0, 1}) {
-    if (theMissing <= anExpected.size()) {
-      std::vector<char> theRoom(anExpected.size() - theMissing);
-      FUZZ_REQUIRE(aConverter(theCopy.Data(), theLength, theRoom.data(), theRoom.size()) ==
-                   (theMissing == 0 ? 1 : 0));
-      FUZZ_REQUIRE(std::equal(theRoom.begin(), theRoom.end(), anExpected.begin()));
-    }
-  }
+void CheckIntoRoom(Converter aConverter, const std::string& aText, const std::string& anExpected,
+                   bool afTooSmall) {
+  size_t theMissing = afTooSmall && !anExpected.empty() ? 1 : 0;
+  ExactBytes theRoom(anExpected.size() - theMissing);
+  FUZZ_REQUIRE(aConverter(ExactCopy(aText).Data(), static_cast<int>(aText.size()), theRoom.Data(),
+                          theRoom.Size()) == (theMissing == 0 ? 1 : 0));
+  FUZZ_REQUIRE(memcmp(theRoom.Data(), anExpected.data(), theRoom.Size()) == 0);
 }
 
 // With a length, UTF-8 gets a terminator when just that has room, too.
 void CheckTerminator(const std::string& aText, const std::string& anExpected) {
-  std::vector<char> theRoom(anExpected.size() + 1, '#');
+  ExactBytes theRoom(anExpected.size() + 1);
+  memset(theRoom.Data(), '#', theRoom.Size());
   FUZZ_REQUIRE(qvUTF_ModifiedUTF8ToUTF8(ExactCopy(aText).Data(), static_cast<int>(aText.size()),
-                                        theRoom.data(), theRoom.size()) == 1);
-  FUZZ_REQUIRE(memcmp(theRoom.data(), anExpected.c_str(), theRoom.size()) == 0);
+                                        theRoom.Data(), theRoom.Size()) == 1);
+  FUZZ_REQUIRE(memcmp(theRoom.Data(), anExpected.c_str(), theRoom.Size()) == 0);
 }
 
-void CheckModified(const std::string& aText) {
+void CheckModified(const std::string& aText, bool afTooSmall) {
   ExactCopy theCopy(aText);
   int theLength = static_cast<int>(aText.size());
   bool theValid = true;
@@ -92,15 +100,17 @@ void CheckModified(const std::string& aText) {
   int theSize = static_cast<int>(theModified.size() + 1);
   FUZZ_REQUIRE(qvUTF_ModifiedUTF8LengthOfUTF8(theCopy.Data(), theLength, 0) == (theValid ? theSize : -1));
   FUZZ_REQUIRE(qvUTF_ModifiedUTF8LengthOfUTF8(theCopy.Data(), theLength, 1) == theSize);
-  CheckIntoRoom(qvUTF_ModifiedUTF8ToUTF8, aText, FromModified(aText));
-  CheckTerminator(aText, FromModified(aText));
+  std::string theUTF8 = FromModified(aText);
+  CheckIntoRoom(qvUTF_ModifiedUTF8ToUTF8, aText, theUTF8, afTooSmall);
+  CheckTerminator(aText, theUTF8);
   // The bytes C0 80 in a UTF-8 text end the process on purpose.
   if (aText.find("\xC0\x80") != std::string::npos) {
     return;
   }
-  CheckIntoRoom(qvUTF_UTF8ToModifiedUTF8, aText, theModified + '\0');
-  CheckIntoRoom(qvUTF_ModifiedUTF8ToUTF8, theModified, FromModified(theModified));
-  FUZZ_REQUIRE(!theValid || HasSurrogates(aText) || FromModified(theModified) == aText);
+  CheckIntoRoom(qvUTF_UTF8ToModifiedUTF8, aText, theModified + '\0', afTooSmall);
+  std::string theBack = FromModified(theModified);
+  CheckIntoRoom(qvUTF_ModifiedUTF8ToUTF8, theModified, theBack, afTooSmall);
+  FUZZ_REQUIRE(!theValid || HasSurrogates(aText) || theBack == aText);
 }
 
 // A modified text whose length is not known ends at its first encoded NUL.
@@ -108,9 +118,9 @@ void CheckToEncodedNul(const std::string& aText) {
   std::string theText = std::string(aText.c_str()) + "\xC0\x80";
   theText.resize(theText.find("\xC0\x80") + 2);
   std::string theExpected = FromModified(theText);
-  std::vector<char> theRoom(theExpected.size());
-  FUZZ_REQUIRE(qvUTF_ModifiedUTF8ToUTF8(ExactCopy(theText).Data(), -1, theRoom.data(), theRoom.size()) == 1);
-  FUZZ_REQUIRE(memcmp(theRoom.data(), theExpected.data(), theExpected.size()) == 0);
+  ExactBytes theRoom(theExpected.size());
+  FUZZ_REQUIRE(qvUTF_ModifiedUTF8ToUTF8(ExactCopy(theText).Data(), -1, theRoom.Data(), theRoom.Size()) == 1);
+  FUZZ_REQUIRE(memcmp(theRoom.Data(), theExpected.data(), theExpected.size()) == 0);
 }
 
 }  // namespace
@@ -118,12 +128,14 @@ void CheckToEncodedNul(const std::string& aText) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   std::string theText = MakeText(std::string(reinterpret_cast<const char*>(aBytes), aLength), 256);
   CheckLatin(theText);
-  for (const std::string& theUnits : {theText, Units(theText, true), Units(theText, false)}) {
-    CheckUTF16(theUnits);
-    CheckUTF16Worker(theUnits, true, aLength % 2 != 0, aLength % 32);
-    CheckUTF16Worker(theUnits, false, aLength % 2 == 0, 1);
-  }
-  CheckModified(theText);
+  // What could be tried one after the other with each text is tried with one or the other: the length says.
+  auto theChoice = [aLength](size_t aNumber) { return (aLength >> aNumber) % 2 != 0; };
+  CheckUTF16(theText, theChoice(0), theChoice(1), aLength % 32);
+  CheckByteOrderMark(theText);
+  // The same characters as units, which are read in the order that they have or in the other one.
+  std::string theUnits = Units(theText, theChoice(2));
+  CheckUTF16(theUnits, theChoice(0), theChoice(1), theChoice(3) ? aLength % 32 : 1);
+  CheckModified(theText, theChoice(0));
   CheckToEncodedNul(theText);
   return 0;
 }

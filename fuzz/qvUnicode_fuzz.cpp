@@ -5,14 +5,13 @@
 #include <wchar.h>
 
 #include <algorithm>
-#include <vector>
 
 #include "FuzzInput.h"
 #include "TextRecipe.h"
-#include "UTFModel.h"
 #include "qvraTools/qvMalloc.h"
 #include "qvraTools/qvUTF.h"
 #include "qvraTools/qvWString.h"
+#include "tests/support/UTFModel.h"
 
 namespace {
 
@@ -36,11 +35,11 @@ void CheckFirstChar(const std::string& aText) {
 }
 
 void CheckValidPart(const std::string& aText, size_t aValidLength) {
-  std::string theCopy = aText;
-  FUZZ_REQUIRE(qvUTF_MakeValidUTF8(theCopy.data(), static_cast<int>(theCopy.size())) ==
+  ExactCopy theCopy(aText);
+  FUZZ_REQUIRE(qvUTF_MakeValidUTF8(theCopy.Data(), static_cast<int>(aText.size())) ==
                static_cast<int>(aValidLength));
-  FUZZ_REQUIRE(theCopy.compare(0, aValidLength, aText, 0, aValidLength) == 0);
-  FUZZ_REQUIRE(aValidLength == aText.size() || theCopy[aValidLength] == '\0');
+  FUZZ_REQUIRE(memcmp(theCopy.Data(), aText.data(), aValidLength) == 0);
+  FUZZ_REQUIRE(aValidLength == aText.size() || theCopy.Data()[aValidLength] == '\0');
 }
 
 void CheckWideStrings(const std::string& aText, const std::wstring& aWide) {
@@ -57,20 +56,42 @@ void CheckWideStrings(const std::string& aText, const std::wstring& aWide) {
   FUZZ_REQUIRE(theASCII[aWide.size()] == '\0');
   qvFree(theASCII);
   theString = qvWString_Prepend(qvWString_Append(theString, aWide.c_str()), aWide.c_str());
-  FUZZ_REQUIRE(aWide + aWide + aWide == theString && qvWString_Length(theString) == 3 * aWide.size());
+  FUZZ_REQUIRE(qvWString_Length(theString) == 3 * aWide.size() && theString[3 * aWide.size()] == L'\0');
+  for (size_t i = 0; i < 3; ++i) {
+    FUZZ_REQUIRE(wmemcmp(theString + i * aWide.size(), aWide.data(), aWide.size()) == 0);
+  }
   qvWString_Free(theString);
 }
 
-// Whether the room holds the characters, then a terminator if there is to be one, and nothing else.
+// Room for characters. Where none has been written is as it was.
 template <typename Char>
-bool Holds(const std::vector<Char>& aRoom, const std::basic_string<Char>& anExpected, bool afTerminated) {
-  std::vector<Char> theExpected(anExpected.begin(), anExpected.end());
-  if (afTerminated) {
-    theExpected.push_back(0);
+class Room {
+ public:
+  explicit Room(size_t aLength) : mLength(aLength), mBytes(aLength * sizeof(Char)) {
+    std::fill_n(Chars(), mLength, kUntouched);
   }
-  theExpected.resize(aRoom.size(), '#');
-  return theExpected == aRoom;
-}
+
+  Char* Chars() { return reinterpret_cast<Char*>(mBytes.Data()); }
+
+  // Whether it holds so many characters, then a terminator if there is to be one, and nothing else.
+  bool Holds(const Char* anExpected, size_t aLength, bool afTerminated) {
+    size_t theUsed = aLength + (afTerminated ? 1 : 0);
+    return theUsed <= mLength && memcmp(anExpected, Chars(), aLength * sizeof(Char)) == 0 &&
+           (!afTerminated || Chars()[aLength] == 0) && IsUntouched(Chars() + theUsed, mLength - theUsed);
+  }
+
+ private:
+  static constexpr Char kUntouched = '#';
+
+  // Each is like the one behind it, and so all are like the first.
+  static bool IsUntouched(const Char* aChars, size_t aLength) {
+    return aLength == 0 ||
+           (aChars[0] == kUntouched && memcmp(aChars, aChars + 1, (aLength - 1) * sizeof(Char)) == 0);
+  }
+
+  size_t mLength;
+  ExactBytes mBytes;
+};
 
 // A text without zero bytes, and room for aRoom characters.
 void CheckToWide(const std::string& aText, size_t aRoom) {
@@ -80,11 +101,11 @@ void CheckToWide(const std::string& aText, size_t aRoom) {
   ExactCopy theCopy(aText, true);
   FUZZ_REQUIRE(qvUnicode_UTF8ToWide(nullptr, theCopy.Data(), 0) ==
                (theValid ? theExpected.size() : kInvalid));
-  std::vector<wchar_t> theWide(aRoom + 1, L'#');
-  size_t theCount = qvUnicode_UTF8ToWide(theWide.data(), theCopy.Data(), aRoom);
+  Room<wchar_t> theWide(aRoom + 1);
+  size_t theCount = qvUnicode_UTF8ToWide(theWide.Chars(), theCopy.Data(), aRoom);
   // What comes behind the room is not looked at.
   FUZZ_REQUIRE(theCount == (theExpected.size() >= aRoom ? aRoom : theValid ? theExpected.size() : kInvalid));
-  FUZZ_REQUIRE(Holds(theWide, theExpected.substr(0, aRoom), theCount < aRoom));
+  FUZZ_REQUIRE(theWide.Holds(theExpected.data(), std::min(theExpected.size(), aRoom), theCount < aRoom));
   if (theValid) {
     CheckWideStrings(aText, theExpected);
     return;
@@ -94,26 +115,23 @@ void CheckToWide(const std::string& aText, size_t aRoom) {
 }
 
 // Of a character bit 31 is ignored.
-void CheckFromWide(const std::wstring& aWide, size_t aRoom) {
-  std::string theWhole;
-  std::string theExpected;
-  bool theFits = true;
-  for (wchar_t theChar : aWide) {
-    std::string theBytes = EncodeUTF8(static_cast<uint32_t>(theChar) & 0x7FFFFFFF);
-    theWhole += theBytes;
-    theFits = theFits && theExpected.size() + theBytes.size() <= aRoom;
-    theExpected += theFits ? theBytes : "";
+void CheckFromWide(const std::wstring& aWide, size_t aRoom, const std::string& aWhole) {
+  ExactCopy theCopy({reinterpret_cast<const char*>(aWide.c_str()), (aWide.size() + 1) * sizeof(wchar_t)});
+  const wchar_t* theWide = reinterpret_cast<const wchar_t*>(theCopy.Data());
+  FUZZ_REQUIRE(qvUnicode_WideToUTF8(nullptr, theWide, 0) == aWhole.size());
+  // As many whole characters as there is room for.
+  size_t theLength = std::min(aWhole.size(), aRoom);
+  while (theLength < aWhole.size() && (aWhole[theLength] & 0xC0) == 0x80) {
+    --theLength;
   }
-  FUZZ_REQUIRE(qvUnicode_WideToUTF8(nullptr, aWide.c_str(), 0) == theWhole.size());
-  std::vector<char> theBytes(aRoom + 1, '#');
-  FUZZ_REQUIRE(qvUnicode_WideToUTF8(theBytes.data(), aWide.c_str(), aRoom) == theExpected.size());
-  FUZZ_REQUIRE(Holds(theBytes, theExpected, theExpected.size() < aRoom));
+  Room<char> theBytes(aRoom + 1);
+  FUZZ_REQUIRE(qvUnicode_WideToUTF8(theBytes.Chars(), theWide, aRoom) == theLength);
+  FUZZ_REQUIRE(theBytes.Holds(aWhole.data(), theLength, theLength < aRoom));
 }
 
-// The characters of the text, some of them with bit 31 set, and without those that are zero without it.
-std::wstring StrangeWide(const std::string& aText, uint8_t aStep) {
-  size_t theLength;
-  std::wstring theWide = DecodeAllUTF8(aText, &theLength);
+// The characters, some of them with bit 31 set, and without those that are zero without it.
+std::wstring StrangeWide(const std::wstring& aWide, uint8_t aStep) {
+  std::wstring theWide = aWide;
   theWide.erase(std::remove(theWide.begin(), theWide.end(), L'\0'), theWide.end());
   for (size_t i = aStep; i < theWide.size(); i += aStep + 1u) {
     theWide[i] = static_cast<wchar_t>(static_cast<uint32_t>(theWide[i]) | 0x80000000u);
@@ -137,8 +155,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   std::wstring theWide = DecodeAllUTF8(theText, &theValidLength);
   CheckValidPart(theText, theValidLength);
   CheckToWide(theText.c_str(), RoomOf(theRoom, theWide.size()));
-  std::wstring theStrange = StrangeWide(theText, theRoom % 8);
-  CheckFromWide(theStrange, RoomOf(theRoom, theText.size()));
-  CheckFromWide(theStrange, 6 * theStrange.size() + 1);
+  std::wstring theStrange = StrangeWide(theWide, theRoom % 8);
+  std::string theWhole;
+  for (wchar_t theChar : theStrange) {
+    AppendUTF8(static_cast<uint32_t>(theChar) & 0x7FFFFFFF, theWhole);
+  }
+  bool theEnoughFlag = aLength % 2 != 0;  // for characters of any length
+  CheckFromWide(theStrange, theEnoughFlag ? 6 * theStrange.size() + 1 : RoomOf(theRoom, theWhole.size()),
+                theWhole);
   return 0;
 }

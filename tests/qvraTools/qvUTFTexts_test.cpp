@@ -10,11 +10,10 @@
 #include "qvraTools/qvUnicode.h"
 #include "support/Bytes.h"
 #include "support/GuardedBytes.h"
+#include "support/UTFModel.h"
 #include "support/UTFTexts.h"
 
 namespace {
-
-const size_t kInvalid = static_cast<size_t>(-1);
 
 // aCheck gets texts of all small lengths and some long ones, half of them spoilt.
 template <typename Check>
@@ -35,9 +34,10 @@ void WithTexts(unsigned aSeed, Check aCheck) {
 }
 
 // What is in the room, with the terminator if there is room for it, and nothing written behind.
-void ExpectWide(const Chars& anExpected, size_t aRoom, bool afTerminated, const std::vector<wchar_t>& aWide) {
+void ExpectWide(const std::wstring& anExpected, size_t aRoom, bool afTerminated,
+                const std::vector<wchar_t>& aWide) {
   for (size_t i = 0; i < anExpected.size(); ++i) {
-    ASSERT_EQ(anExpected[i], static_cast<uint32>(aWide[i])) << i;
+    ASSERT_EQ(anExpected[i], aWide[i]) << i;
   }
   size_t theEnd = anExpected.size();
   if (afTerminated && theEnd < aRoom) {
@@ -51,7 +51,7 @@ void ExpectWide(const Chars& anExpected, size_t aRoom, bool afTerminated, const 
 
 void CheckToWide(const std::string& aText, size_t aRoom) {
   size_t theValidLength;
-  Chars theChars = DecodeAll(aText, &theValidLength);
+  std::wstring theChars = DecodeAllUTF8(aText, &theValidLength);
   bool theValidFlag = theValidLength == aText.size();
   GuardedBytes theCopy(aText + '\0');
   EXPECT_EQ(theValidFlag ? theChars.size() : kInvalid, qvUnicode_UTF8ToWide(nullptr, theCopy.Data(), 0));
@@ -72,7 +72,7 @@ void CheckFromWide(const Chars& aChars, size_t aRoom) {
   std::string theWhole;
   bool theFitsFlag = true;
   for (uint32 theChar : aChars) {
-    std::string theBytes = Encode(theChar & 0x7FFFFFFF);
+    std::string theBytes = EncodeUTF8(theChar & 0x7FFFFFFF);
     theWhole += theBytes;
     theFitsFlag = theFitsFlag && theExpected.size() + theBytes.size() <= aRoom;
     theExpected += theFitsFlag ? theBytes : "";
@@ -155,7 +155,7 @@ TEST(qvUTFTexts, LeadsInFrontOfAnythingBecomeWideWhereverTheyStandInABlock) {
         theText += theRest;
         theText += "bcdefghijklmnopqrst\xC3\xA9";
         size_t theValidLength;
-        Chars theChars = DecodeAll(theText, &theValidLength);
+        std::wstring theChars = DecodeAllUTF8(theText, &theValidLength);
         bool theValidFlag = theValidLength == theText.size();
         wchar_t theWide[64];
         std::fill_n(theWide, 64, L'#');
@@ -175,7 +175,7 @@ TEST(qvUTFTexts, ValidPartEndsInFrontOfTheFirstMalformedCharacter) {
       theText[aTexts.Below(static_cast<uint32>(theText.size()))] = '\0';
     }
     size_t theValidLength;
-    DecodeAll(theText, &theValidLength);
+    DecodeAllUTF8(theText, &theValidLength);
     GuardedBytes theCopy(theText);
     EXPECT_EQ(static_cast<int>(theValidLength),
               qvUTF_MakeValidUTF8(theCopy.Data(), static_cast<int>(theText.size())));
@@ -256,7 +256,7 @@ TEST(qvUTFTexts, ISO88591BecomesUTF8ByteByByteAndBack) {
     for (uint32 i = theTexts.Below(400); i > 0; --i) {
       uint32 theChar = theTexts.Below(theHighOnes) == 0 ? 0x80 + theTexts.Below(0x80) : theTexts.Below(0x80);
       theText += static_cast<char>(theChar);
-      theUTF8 += Encode(theChar);
+      AppendUTF8(theChar, theUTF8);
     }
     GuardedBytes theCopy(theText);
     GuardedBytes theUTF8Copy(theUTF8);
@@ -269,7 +269,7 @@ TEST(qvUTFTexts, ISO88591BecomesUTF8ByteByByteAndBack) {
 
 TEST(qvUTFTexts, UTF8BecomesISO88591CharacterByCharacter) {
   WithTexts(8, [](const std::string& aText, Texts&) {
-    std::string theExpected = ToISO88591(aText);
+    std::string theExpected = ToLatin(aText);
     GuardedBytes theCopy(aText);
     EXPECT_EQ(theExpected + '\0',
               TakeText(qvUTF_UTF8ToISO88591(theCopy.Data(), aText.size()), theExpected.size() + 1));
@@ -286,7 +286,7 @@ TEST(qvUTFTexts, LeadsInFrontOfAnythingBecomeISO88591) {
                                    : theKind == 5 ? 0xC0 + theTexts.Below(0x40)
                                                   : 0x80 + theTexts.Below(0x60));
     }
-    std::string theExpected = ToISO88591(theText);
+    std::string theExpected = ToLatin(theText);
     GuardedBytes theCopy(theText);
     EXPECT_EQ(theExpected + '\0',
               TakeText(qvUTF_UTF8ToISO88591(theCopy.Data(), theText.size()), theExpected.size() + 1));

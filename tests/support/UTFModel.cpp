@@ -2,11 +2,9 @@
 
 namespace {
 
-std::string Encode(uint32_t aChar) { return EncodeUTF8(aChar > 0x10FFFF ? 0xFFFD : aChar); }
-
 bool IsBetween(uint32_t aNumber, uint32_t aMin, uint32_t aMax) { return aMin <= aNumber && aNumber <= aMax; }
 
-uint32_t ByteAt(const std::string& aText, size_t aPosition) {
+uint32_t ByteAt(std::string_view aText, size_t aPosition) {
   return aPosition < aText.size() ? static_cast<uint8_t>(aText[aPosition]) : 0u;
 }
 
@@ -24,9 +22,10 @@ const Pattern kPatterns[6] = {{0x80, 0x00, 0},       {0xE0, 0xC0, 0x80},     {0x
 
 // ------------------------------------------------------------------------------------------------ UTF-8
 
-std::string EncodeUTF8(uint32_t aChar) {
+void AppendUTF8(uint32_t aChar, std::string& aText) {
   if (aChar < 0x80) {
-    return std::string(1, static_cast<char>(aChar));
+    aText += static_cast<char>(aChar);
+    return;
   }
   // Each byte behind the lead takes six bits, and the lead has one bit less for each of them.
   size_t theOthers = aChar < 0x800       ? 1
@@ -34,15 +33,20 @@ std::string EncodeUTF8(uint32_t aChar) {
                      : aChar < 0x200000  ? 3
                      : aChar < 0x4000000 ? 4
                                          : 5;
-  std::string theBytes(1, static_cast<char>((0xFE << (6 - theOthers)) | aChar >> (6 * theOthers)));
+  aText += static_cast<char>((0xFE << (6 - theOthers)) | aChar >> (6 * theOthers));
   while (theOthers > 0) {
     --theOthers;
-    theBytes += static_cast<char>(0x80 | (aChar >> (6 * theOthers) & 0x3F));
+    aText += static_cast<char>(0x80 | (aChar >> (6 * theOthers) & 0x3F));
   }
+}
+
+std::string EncodeUTF8(uint32_t aChar) {
+  std::string theBytes;
+  AppendUTF8(aChar, theBytes);
   return theBytes;
 }
 
-size_t DecodeUTF8(const std::string& aText, size_t aPosition, uint32_t* aChar) {
+size_t DecodeUTF8(std::string_view aText, size_t aPosition, uint32_t* aChar) {
   if (aPosition == aText.size()) {
     return 0;
   }
@@ -67,8 +71,9 @@ size_t DecodeUTF8(const std::string& aText, size_t aPosition, uint32_t* aChar) {
   return kInvalid;
 }
 
-std::wstring DecodeAllUTF8(const std::string& aText, size_t* aLength) {
+std::wstring DecodeAllUTF8(std::string_view aText, size_t* aLength) {
   std::wstring theChars;
+  theChars.reserve(aText.size());
   *aLength = 0;
   while (*aLength < aText.size()) {
     uint32_t theChar = 0;
@@ -82,7 +87,7 @@ std::wstring DecodeAllUTF8(const std::string& aText, size_t* aLength) {
   return theChars;
 }
 
-size_t ReadSequence(const std::string& aText, size_t aPosition, uint32_t* aChar) {
+size_t ReadSequence(std::string_view aText, size_t aPosition, uint32_t* aChar) {
   uint32_t theLead = ByteAt(aText, aPosition);
   size_t theLength = theLead < 0x80 ? 1 : theLead < 0xC0 ? 0 : theLead < 0xE0 ? 2 : theLead < 0xF0 ? 3 : 4;
   if (theLength == 0 || theLead >= 0xF8 || aPosition + theLength > aText.size()) {
@@ -100,16 +105,18 @@ size_t ReadSequence(const std::string& aText, size_t aPosition, uint32_t* aChar)
 
 // ------------------------------------------------------------------------------------------- ISO-8859-1
 
-std::string FromLatin(const std::string& aText) {
+std::string FromLatin(std::string_view aText) {
   std::string theUTF8;
+  theUTF8.reserve(2 * aText.size());
   for (size_t i = 0; i < aText.size(); ++i) {
-    theUTF8 += Encode(ByteAt(aText, i));
+    AppendUTF8(ByteAt(aText, i), theUTF8);
   }
   return theUTF8;
 }
 
-std::string ToLatin(const std::string& aText) {
+std::string ToLatin(std::string_view aText) {
   std::string theLatin;
+  theLatin.reserve(aText.size());
   for (size_t i = 0; i < aText.size();) {
     uint32_t theLead = ByteAt(aText, i);
     if (theLead < 0xC0) {
@@ -128,13 +135,14 @@ std::string ToLatin(const std::string& aText) {
 
 // ----------------------------------------------------------------------------------------------- UTF-16
 
-std::string FromUTF16(const std::string& aText, bool afBigEndian, bool afStrict, int* aResult) {
+std::string FromUTF16(std::string_view aText, bool afBigEndian, bool afStrict, int* aResult) {
   auto UnitAt = [&](size_t aPosition) {
     uint32_t theFirst = ByteAt(aText, aPosition);
     uint32_t theSecond = ByteAt(aText, aPosition + 1);
     return afBigEndian ? theFirst << 8 | theSecond : theSecond << 8 | theFirst;
   };
   std::string theUTF8;
+  theUTF8.reserve(3 * (aText.size() / 2) + 1);
   *aResult = 1;
   for (size_t i = 0; i + 2 <= aText.size(); i += 2) {
     uint32_t theChar = UnitAt(i);
@@ -155,18 +163,19 @@ std::string FromUTF16(const std::string& aText, bool afBigEndian, bool afStrict,
       *aResult = 3;
       break;
     }
-    theUTF8 += Encode(theChar);
+    AppendUTF8(theChar, theUTF8);
   }
   return theUTF8;
 }
 
-std::string FromUTF16(const std::string& aText, bool afBigEndian) {
+std::string FromUTF16(std::string_view aText, bool afBigEndian) {
   int theResult;
   return FromUTF16(aText, afBigEndian, false, &theResult);
 }
 
-std::string Units(const std::string& aText, bool afBigEndian) {
+std::string Units(std::string_view aText, bool afBigEndian) {
   std::string theUnits;
+  theUnits.reserve(2 * aText.size());
   for (size_t i = 0; i < aText.size();) {
     uint32_t theChar = ByteAt(aText, i);
     size_t theLength = ReadSequence(aText, i, &theChar);
@@ -181,8 +190,9 @@ std::string Units(const std::string& aText, bool afBigEndian) {
 
 // --------------------------------------------------------------------------------------- modified UTF-8
 
-std::string ToModified(const std::string& aText, bool* afValid) {
+std::string ToModified(std::string_view aText, bool* afValid) {
   std::string theModified;
+  theModified.reserve(2 * aText.size());
   for (size_t i = 0; i < aText.size();) {
     uint32_t theChar = 0;
     size_t theLength = ReadSequence(aText, i, &theChar);
@@ -190,7 +200,8 @@ std::string ToModified(const std::string& aText, bool* afValid) {
       *afValid = false;
       theModified += '?';
     } else if (theLength == 4) {
-      theModified += Encode(0xD800 + ((theChar - 0x10000) >> 10)) + Encode(0xDC00 + (theChar & 0x3FF));
+      AppendUTF8(0xD800 + ((theChar - 0x10000) >> 10), theModified);
+      AppendUTF8(0xDC00 + (theChar & 0x3FF), theModified);
     } else if (theLength == 1 && theChar == 0) {
       theModified += "\xC0\x80";
     } else {
@@ -201,28 +212,29 @@ std::string ToModified(const std::string& aText, bool* afValid) {
   return theModified;
 }
 
-std::string FromModified(const std::string& aText) {
+std::string FromModified(std::string_view aText) {
   std::string theUTF8;
+  theUTF8.reserve(aText.size());
   for (size_t i = 0; i < aText.size();) {
     uint32_t theChar = 0;
     uint32_t theLow = 0;
     size_t theLength = ReadSequence(aText, i, &theChar);
     if (theLength == 3 && IsBetween(theChar, 0xD800, 0xDBFF) && ReadSequence(aText, i + 3, &theLow) == 3 &&
         IsBetween(theLow, 0xDC00, 0xDFFF)) {
-      theUTF8 += Encode(((theChar - 0xD800) << 10) + theLow + 0x2400);
+      AppendUTF8(((theChar - 0xD800) << 10) + theLow + 0x2400, theUTF8);
       i += 6;
     } else if (theLength == 0 || theLength == 4) {
       i += 1;  // dropped
     } else {
-      bool theNulFlag = aText.compare(i, 2, "\xC0\x80") == 0;
-      theUTF8 += theNulFlag ? std::string(1, '\0') : aText.substr(i, theLength);
+      bool theNulFlag = theLength == 2 && theChar == 0;
+      theUTF8 += theNulFlag ? std::string_view("", 1) : aText.substr(i, theLength);
       i += theLength;
     }
   }
   return theUTF8;
 }
 
-bool HasSurrogates(const std::string& aText) {
+bool HasSurrogates(std::string_view aText) {
   for (size_t i = 0; i + 1 < aText.size(); ++i) {
     if (ByteAt(aText, i) == 0xED && ByteAt(aText, i + 1) >= 0xA0) {
       return true;
