@@ -179,12 +179,13 @@ TEST(qvMainLogger, FormattedAppendsStartWithAnEmptySharedTextAndTheOthersLeaveIt
   CallNotingLogger theLogger(2);
   qvLogData* theData = qvLog_Begin(1, 0);
   qvLog_Append_F("%d", 1);
+  qvLog_Append_F("%d", 1);
   qvLog_Append_FML("%d", 1);
   qvLog_Append_FN("%d", 1);
   qvLog_Append_B("x", 1);
   qvLog_Append_U(L"x", 1);
   qvLog_End(theData);
-  EXPECT_THAT(theLogger.mFormattedLens, ElementsAre(0u, 0u, 0u, 77u, 77u));
+  EXPECT_THAT(theLogger.mFormattedLens, ElementsAre(0u, 0u, 0u, 0u, 77u, 77u));
 }
 
 TEST(qvMainLogger, EachAppendReachesItsOperationOfTheLogger) {
