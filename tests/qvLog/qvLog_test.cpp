@@ -279,6 +279,30 @@ TEST(qvLogKept, AFrameworkOperationInsideALoggersOutputEndsTheProtectionAgainstN
   std::thread([] { EXPECT_TRUE(LogText(1, 0, "x")); }).join();  // the lock is free again
 }
 
+TEST(qvLog, AMessageThatANestedOneHasEndedTakesNothingMore) {
+  RecordingLogger theLogger(5);
+  bool theFirstCall = true;
+  theLogger.mOnAppend = [&] {
+    if (theFirstCall) {
+      theFirstCall = false;
+      qvLog_ReloadConfig();
+      EXPECT_TRUE(LogText(2, 0, "nested"));
+    }
+  };
+  qvLogData* theData = qvLog_Begin(1, 0);
+  qvLog_Append_F("%s", "outer");
+  theLogger.mPieces.clear();
+  qvLog_Append_F("%d", 1);
+  AppendList("%d", 1);
+  qvLog_Append_FML("%d\n", 1);
+  qvLog_Append_FN("%d", 1);
+  qvLog_Append_B("x", 1);
+  qvLog_Append_U(L"x", 1);
+  EXPECT_THAT(theLogger.mPieces, ElementsAre());
+  qvLog_End(theData);
+  EXPECT_EQ(1, theLogger.mEnds) << "of the nested message";
+}
+
 TEST(qvLog, LoggingLeavesErrnoAlone) {
   struct SpoilingLogger : RecordingLogger {
     SpoilingLogger() : RecordingLogger(3) {}

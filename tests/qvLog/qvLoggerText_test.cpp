@@ -251,6 +251,15 @@ TEST_F(qvLoggerKept, AnEmptyOrFailedExpansionPrintsTheFormatItself) {
   EXPECT_EQ("%s[]100%!\n", End());
 }
 
+TEST_F(qvLoggerText, AFormatThatIsPrintedItselfIsTerminated) {
+  Begin();
+  qvLog_Append_F("%s", "a longer text that was there before");
+  qvLog_Append_F("%s", "");
+  EXPECT_EQ('\0', mLogger.mByteBehind);
+  EXPECT_STREQ("%s", Record()->mFormatted);
+  End();
+}
+
 TEST_F(qvLoggerKept, AFailedFormatLongerThanTheBufferIsCutBeforeTheTerminator) {
   std::string theFormat = "%!" + Repeat('b', 1021);
   Begin();
@@ -427,6 +436,15 @@ TEST_F(qvLoggerText, AWideTextStopsBehindTheCharacterThatReaches400Bytes) {
     qvLog_Append_U(theText.data(), theText.size());
     EXPECT_EQ(theCase.mExpected, End().size()) << theCase.mWhy;
   }
+}
+
+TEST_F(qvLoggerText, AWideTextHasAZeroByteBehindIt) {
+  Begin();
+  qvLog_Append_U(std::wstring(400, L'w').data(), 400);
+  EXPECT_EQ('\0', mLogger.mByteBehind);
+  qvLog_Append_U(L"shorter", 7);
+  EXPECT_EQ('\0', mLogger.mByteBehind) << "where the longer text was before";
+  End();
 }
 
 TEST_F(qvLoggerText, TheLongestEscapeAtTheLimitIsWhole) {
