@@ -45,8 +45,8 @@ typedef struct qvLogData {
 typedef void (*qvLog_LogFunc)(void* aCookie, const qvLogData* aData, const char* aText, size_t aLength);
 
 /* The process-wide gate: a message enters the framework only if its level is below this value. The library
- * keeps it at the highest threshold of any logger; 65535 before the first use. Read it with an atomic load
- * (see _qvLog_IsLevelOn); never write it. */
+ * keeps it at the highest threshold of any logger, and does not lower it for a logger that goes; 65535 before
+ * the first use. Read it with an atomic load (see _qvLog_IsLevelOn); never write it. */
 extern QVLOG_API qvLogLevel _qvLog_Level;
 
 /* 1 if some logger may want a message of this level and module, 0 if not, and 0 wherever qvLog_Begin drops

@@ -27,7 +27,7 @@ class QVLOG_API qvLogdLogger : public qvLogger {
   ~qvLogdLogger() override;
 
   // Connects if need be; false, and the message counts as lost, when it cannot be sent. A message that finds
-  // no address is not counted.
+  // no address, or gets no socket, is not counted.
   bool BeginLog(qvLogDataEx* aRecord) override;
   void Append_S(qvLogDataEx* aRecord, const char* aBytes, size_t aLength) override;
   // Sends the message with one call of Send.

@@ -249,6 +249,16 @@ TEST(qvLogKept, InitLeavesTheCallingThreadInsideTheLogLock) {
   });
 }
 
+TEST(qvLogLife, ASecondInitTakesTheLogLockNoSecondTime) {
+  IN_FRESH_PROCESS({
+    RecordingLogger theLogger(2);
+    qvLog_Init();
+    qvLog_Init();
+    qvLogger::UnlockFramework();
+    std::thread([] { EXPECT_TRUE(LogText(1, 0, "x")) << "the lock is free"; }).join();
+  });
+}
+
 TEST(qvLogLife, NeverLogDeletesAllLoggersForGood) {
   IN_FRESH_PROCESS({
     qvLog_SetLogFunc(6, IgnoreMessage, nullptr);
