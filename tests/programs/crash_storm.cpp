@@ -1,8 +1,10 @@
 // crash_storm COUNT - lets COUNT children crash in a thread, by the five signals in turn, every tenth with
-// the allocator's lock held, and checks how each of them ends. Exit code 0 when all ended as they should.
+// the allocator's lock held, half of these in the first thread, and checks how each of them ends. Exit code 0
+// when all ended as they should.
 #include <errno.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <semaphore.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -80,7 +82,7 @@ static time_t Now() {
   return theTime.tv_sec;
 }
 
-static void CrashInThread(void* aNumber) {
+static void Crash(void* aNumber) {
   int theNumber = *static_cast<int*>(aNumber);
   if (IsInAllocator(theNumber)) {
     sCrashInAllocator = SignalOf(theNumber);
@@ -89,17 +91,45 @@ static void CrashInThread(void* aNumber) {
   CrashBy(SignalOf(theNumber));
 }
 
+static sem_t sThreadRuns;
+
+static void TellAndSleep(void*) {
+  sem_post(&sThreadRuns);
+  for (;;) {
+    pause();
+  }
+}
+
+// With the handlers that another thread has brought. The first thread is the one that gets the alarm, which
+// then comes in the midst of its own crash.
+static void CrashInFirstThread(int aNumber) {
+  sem_init(&sThreadRuns, 0, 0);
+  qvOSThread_Data theData = {TellAndSleep,           nullptr, nullptr, qvThread_StackSize_SystemDefault,
+                             qvThread_Kind_Joinable, 0};
+  qvThread_Run(qvThread_New(&theData));
+  sem_wait(&sThreadRuns);
+  Crash(&aNumber);
+}
+
+static void CrashInThread(int aNumber) {
+  qvOSThread_Data theData = {
+      Crash, nullptr, &aNumber, qvThread_StackSize_SystemDefault, qvThread_Kind_Joinable, 0};
+  qvOSThread* theThread = qvThread_New(&theData);
+  qvThread_Run(theThread);
+  qvThread_Wait(theThread);
+}
+
 static void RunChild(int aNumber) {
   struct rlimit theNoCore = {0, 0};
   setrlimit(RLIMIT_CORE, &theNoCore);
   int theNull = open("/dev/null", O_WRONLY);
   dup2(theNull, STDOUT_FILENO);
   dup2(theNull, STDERR_FILENO);
-  qvOSThread_Data theData = {CrashInThread,          nullptr, &aNumber, qvThread_StackSize_SystemDefault,
-                             qvThread_Kind_Joinable, 0};
-  qvOSThread* theThread = qvThread_New(&theData);
-  qvThread_Run(theThread);
-  qvThread_Wait(theThread);
+  if (IsInAllocator(aNumber) && aNumber % 2 != 0) {
+    CrashInFirstThread(aNumber);
+  } else {
+    CrashInThread(aNumber);
+  }
   _exit(0);
 }
 

@@ -121,6 +121,10 @@ TEST(qvCStringParserTokenize, DelimiterThatDoesNotFitBeforeTheEndIsText) {
   EXPECT_EQ("<a><>", TakeTokens(qvCStringParser_Tokenize("a--b", 0, 3, "--", 2)));
 }
 
+TEST(qvCStringParserTokenize, DelimitersBehindTheEndAreNotLookedFor) {
+  EXPECT_EQ("<c>", TakeTokens(qvCStringParser_Tokenize("abcd---e", 2, 3, "---", 3)));
+}
+
 TEST(qvCStringParserTokenize, EmptyDelimiterIsNeverFound) {
   EXPECT_EQ("<abc>", Tokenize("abc", ""));
   EXPECT_EQ(Bytes("<a\0b>"), Tokenize(Bytes("a\0b"), ""));  // nor where the byte stands that it points to
