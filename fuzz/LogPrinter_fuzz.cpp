@@ -11,7 +11,9 @@
 // The line without its line end.
 static std::string Printed(LogForm aForm, const LogRecord& aRecord, bool afColor, bool afTerminal) {
   LogPrinter thePrinter(aForm, afColor, afTerminal);
-  std::string theOut = "before";
+  std::string theOut;
+  theOut.reserve(1024);  // rather than to grow step by step
+  theOut = "before";
   thePrinter.Print(aRecord, theOut);
   FUZZ_REQUIRE(theOut.compare(0, 6, "before") == 0);
   theOut.erase(0, 6);
@@ -131,8 +133,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   theRecord.mModule = theModule;
   theRecord.mText = theText;
   theRecord.mRaw = theText;
-  CheckTextForm(theForm, theRecord, theTimes);
-  CheckColors(theForm, theRecord, theTimes);
+  if ((theBits & 0x20) == 0) {
+    CheckTextForm(theForm, theRecord, theTimes);
+  } else {
+    CheckColors(theForm, theRecord, theTimes);
+  }
   FUZZ_REQUIRE(theRecord.mKind != LogRecordKind_Line ||
                Printed(LogForm_Raw, theRecord, false, false) == theText);
   CheckJSON(theRecord, theTimes);

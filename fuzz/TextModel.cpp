@@ -69,6 +69,7 @@ bool TextModel_IsHarmless(std::string_view aText, bool afTab) {
 // Escaped is what is not UTF-8, what is a control character but the tab, and the signs in theMore.
 static std::string TextModel_S_Escaped(std::string_view aText, std::string_view theMore) {
   std::string theOut;
+  theOut.reserve(4 * aText.size());
   while (!aText.empty()) {
     std::string_view theRest = aText;
     uint32_t theCharacter;
@@ -76,7 +77,9 @@ static std::string TextModel_S_Escaped(std::string_view aText, std::string_view 
     std::string_view theBytes = aText.substr(0, theIsValid ? aText.size() - theRest.size() : 1);
     if (theIsValid && theMore.find(theBytes) == std::string_view::npos &&
         (theCharacter == '\t' || !TextModel_S_IsControl(theCharacter))) {
-      theOut += theBytes;
+      for (char theByte : theBytes) {
+        theOut += theByte;
+      }
     } else {
       for (char theByte : theBytes) {
         unsigned int theValue = static_cast<unsigned char>(theByte);
@@ -125,6 +128,7 @@ bool TextModel_ReadWord(std::string_view aWord, std::string* aText) {
 
 std::string TextModel_Valid(std::string_view aText) {
   std::string theOut;
+  theOut.reserve(3 * aText.size());
   while (!aText.empty()) {
     uint32_t theCharacter = 0xFFFD;
     if (!TextModel_TakeCharacter(aText, &theCharacter)) {

@@ -1,7 +1,6 @@
 #include "TimeModel.h"
 
 #include <ctype.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <time.h>
 
@@ -14,9 +13,23 @@ int TimeModel_SetZone(uint8_t aNumber) {
     const char* mName;
     int mOffset;
   } kZones[] = {{"UTC0", 0}, {"<+0530>-5:30", 19800}, {"<-0330>3:30", -12600}};
-  setenv("TZ", kZones[aNumber % 3].mName, 1);
-  tzset();
-  return kZones[aNumber % 3].mOffset;
+  static int sNumber = -1;
+  if (sNumber != aNumber % 3) {
+    sNumber = aNumber % 3;
+    setenv("TZ", kZones[sNumber].mName, 1);
+    tzset();
+  }
+  return kZones[sNumber].mOffset;
+}
+
+// The digits of a number that is not negative. Formatted output takes longer than all the rest here.
+static std::string TimeModel_S_Digits(int aNumber, int aCount) {
+  std::string theText(static_cast<size_t>(aCount), '0');
+  for (size_t i = theText.size(); i > 0; --i) {
+    theText[i - 1] = static_cast<char>('0' + aNumber % 10);
+    aNumber /= 10;
+  }
+  return theText;
 }
 
 bool TimeModel_IsLike(std::string_view aText, std::string_view aPattern) {
@@ -75,9 +88,9 @@ static int64_t TimeModel_S_TakeFraction(std::string_view& aText, size_t* aCount)
 
 // What a line keeps of a time of day.
 static std::string TimeModel_S_Clock(std::string_view aClock, int64_t aFraction, size_t aDigits) {
-  char theText[16];
-  snprintf(theText, sizeof(theText), ":%03d", static_cast<int>(aFraction / 1000));
-  return aDigits >= 3 ? std::string(aClock.substr(0, 8)) + theText : "";
+  return aDigits >= 3 ? std::string(aClock.substr(0, 8)) + ":" +
+                            TimeModel_S_Digits(static_cast<int>(aFraction / 1000), 3)
+                      : "";
 }
 
 bool TimeModel::TakeISO(std::string_view& aText, int64_t* aTime, std::string* aClock) const {
@@ -183,19 +196,18 @@ std::string TimeModel::Text(int64_t aTime, const char* aForm, int aDigits) const
     return "";
   }
   char theText[40];
-  char theDigits[16];
   strftime(theText, sizeof(theText), aForm, &theParts);
-  snprintf(theDigits, sizeof(theDigits), ".%06d", static_cast<int>(theFraction));
-  return std::string(theText) + std::string(theDigits, static_cast<size_t>(1 + aDigits));
+  std::string theDigits = TimeModel_S_Digits(static_cast<int>(theFraction), 6);
+  theDigits.resize(static_cast<size_t>(aDigits));
+  return std::string(theText) + "." + theDigits;
 }
 
 std::string TimeModel::Short(int64_t aTime) const { return Text(aTime, "%b %d %H:%M:%S", 3); }
 
 std::string TimeModel::ISO(int64_t aTime) const {
-  char theOffset[16];
   int theMinutes = abs(mOffset) / 60;
-  snprintf(theOffset, sizeof(theOffset), "%c%02d:%02d", mOffset < 0 ? '-' : '+', theMinutes / 60,
-           theMinutes % 60);
   std::string theText = Text(aTime, "%04Y-%m-%dT%H:%M:%S", 6);
-  return theText.empty() ? "" : theText + theOffset;
+  return theText.empty() ? ""
+                         : theText + (mOffset < 0 ? '-' : '+') + TimeModel_S_Digits(theMinutes / 60, 2) +
+                               ":" + TimeModel_S_Digits(theMinutes % 60, 2);
 }
