@@ -145,11 +145,13 @@ double ReadDurationFraction(const std::string& aText, bool afAcceptFraction) {
       !isfinite(theValue)) {
     return -1.0;
   }
-  theValue *= theSlashFlag ? 1000.0 : 1.0;
-  while (!theSlashFlag && floor(theValue) > 1000.0) {
+  if (theSlashFlag) {
+    return theValue <= 1.0 ? theValue * 1000.0 : -1.0;
+  }
+  while (theValue >= 1001.0) {
     theValue = theValue < 4294967296.0 ? floor(floor(theValue) / 10.0) : theValue / 10.0;
   }
-  return theValue <= 1000.0 ? theValue : -1.0;
+  return theValue < 0.0 ? -1.0 : floor(theValue);
 }
 
 Moment ReadDuration(const std::string& aText, bool afHourDigit, bool afTwoDigits, bool afAcceptFraction) {

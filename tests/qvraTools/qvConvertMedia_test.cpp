@@ -248,6 +248,7 @@ TEST(qvConvertKept, FractionOfADurationIsAnIntegerCutToFourDigits) {
       {":00:01.4294967295", 0, 1, 429, "as many as a word holds"},
       {":00:01.4294967296", 0, 1, 429, "one more"},
       {":00:01.10009999999999", 0, 2, 0, "many more"},
+      {":00:01.1000.2", 0, 2, 0, "a fraction of the fraction is not looked at"},
   };
   ExpectTimes(qvConvert_dlnadurationstrtouint32, kCases);
 }
