@@ -24,7 +24,7 @@
 //   limit BYTES                     how long a file may get; 0: as long as the system allows
 //   count-writes LEVEL MODULE TEXT  logs, and prints the number of write system calls that took
 //   clock SECONDS MICROSECONDS      stops the wall clock there
-//   zone TZ                         changes the time zone
+//   zone TZ, nozone                 changes the time zone, or leaves it to the system
 //   no-local-time                   makes the conversion to local time fail
 // clang-format on
 
@@ -270,6 +270,8 @@ static bool RunFrameworkOperation(const std::string& aName) {
     sfNoLocalTime = true;
   } else if (aName == "zone") {
     setenv("TZ", Next(), 1);
+  } else if (aName == "nozone") {
+    unsetenv("TZ");
   } else {
     return false;
   }

@@ -193,6 +193,13 @@ TEST(qvCStringPrintf, AnEmptyResultIsEmpty) {
   EXPECT_EQ("", TextOf(theString));
 }
 
+TEST(qvCStringPrintf, ANullFormatGivesTheEmptyText) {
+  qvCString theString("before");
+  const char* theFormat = nullptr;
+  EXPECT_EQ(0u, theString.Printf(theFormat, 1));
+  EXPECT_EQ("", TextOf(theString));
+}
+
 TEST(qvCStringPrintf, TheFirstAttemptHasRoomForATextOf1024Characters) {
   qvCString theString;
   EXPECT_EQ(1024u, theString.Printf("%s", Repeated('x', 1024).c_str()));

@@ -266,6 +266,15 @@ TEST(qvLoggerPrefix, AChangeOfTheTimeZoneShowsInTheSameSecond) {
                     "x\n",   "zone",       "",  "log", "1",    "0",     "x\n"}));
 }
 
+TEST(qvLoggerPrefix, ATimeZoneThatComesOrGoesShowsInTheSameSecond) {
+  unsetenv("TZ");
+  tzset();
+  std::string theSystems = LocalTime(1709647387, "%H:%M:%S") + ":000";
+  EXPECT_EQ(std::vector<std::string>({theSystems, "19:48:07:000", theSystems}),
+            Stamps({"clock", "1709647387", "0", "nozone", "log", "1", "0", "x\n", "zone", "XYZ-05:45", "log",
+                    "1", "0", "x\n", "nozone", "log", "1", "0", "x\n"}));
+}
+
 TEST(qvLoggerPrefix, DatesThatAreSwitchedOnShowInTheSameSecond) {
   LogProgram theProgram;
   theProgram.Configure("[options]\npopulate=0\n[file]\nlevel=all\n");
