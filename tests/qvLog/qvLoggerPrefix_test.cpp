@@ -35,6 +35,15 @@ std::string LocalTime(time_t aTime, const char* aFormat) {
   return theText;
 }
 
+// A record with the framework's buffer, and without a stamp.
+qvLogDataEx InfoRecord() {
+  qvLogDataEx theRecord = {};
+  theRecord.mFormatted = _qvLog_gData.mFormatted;
+  theRecord.mSizeofFormatted = _qvLog_gData.mSizeofFormatted;
+  theRecord.mLevel = QVLOGLEVEL_INFO;
+  return theRecord;
+}
+
 }  // namespace
 
 TEST(qvLoggerPrefix, APrefixIsLetterTimeThreadAndModule) {
@@ -186,10 +195,7 @@ TEST(qvLoggerPrefix, TheLaterLinesOfAMessageHaveTheStampOfTheFirst) {
 
 TEST(qvLoggerPrefix, TheLibrarysLoggersTakeTheStampThatTheFirstLoggerMade) {
   qvFuncLogger theLogger(false);
-  qvLogDataEx theRecord = {};
-  theRecord.mFormatted = _qvLog_gData.mFormatted;
-  theRecord.mSizeofFormatted = _qvLog_gData.mSizeofFormatted;
-  theRecord.mLevel = QVLOGLEVEL_INFO;
+  qvLogDataEx theRecord = InfoRecord();
   strcpy(theRecord.mTimeStr, "99:99:99:999");
   theRecord.mTimeStrLen = 12;
   theLogger.GenerateBeginLine(&theRecord);
@@ -198,10 +204,7 @@ TEST(qvLoggerPrefix, TheLibrarysLoggersTakeTheStampThatTheFirstLoggerMade) {
 
 TEST(qvLoggerPrefix, BeforeTheBufferIsInitialisedThePrefixOfTheLibrarysLoggersHasNoThread) {
   qvFuncLogger theLogger(false);
-  qvLogDataEx theRecord = {};
-  theRecord.mFormatted = _qvLog_gData.mFormatted;
-  theRecord.mSizeofFormatted = _qvLog_gData.mSizeofFormatted;
-  theRecord.mLevel = QVLOGLEVEL_INFO;
+  qvLogDataEx theRecord = InfoRecord();
   _gfqvLog_gDataInitialized = 0;
   theLogger.GenerateBeginLine(&theRecord);
   _gfqvLog_gDataInitialized = 1;

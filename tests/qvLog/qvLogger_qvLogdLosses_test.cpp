@@ -33,6 +33,17 @@ void SendText(ScriptedLogdLogger& aLogger, const std::string& aText) {
   aLogger.EndLog(Record());
 }
 
+// Connected to a peer that reads nothing, with no room left on the way. The result is the peer's end.
+int ConnectToFullPeer(ScriptedLogdLogger& aLogger) {
+  int thePair[2] = {-1, -1};
+  EXPECT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, thePair));
+  while (send(thePair[0], "full", 4, MSG_NOSIGNAL) > 0) {
+  }
+  aLogger.mState = qvLogdLogger::State_Connected;
+  aLogger.mSocket = thePair[0];
+  return thePair[1];
+}
+
 }  // namespace
 
 TEST_F(qvLogdLoggerLosses, AWholeMessageLeavesItsLastByteBehind) {
@@ -199,19 +210,14 @@ TEST_F(qvLogdLoggerKept, LossesOfAStandingConnectionAreToldOnStandardError) {
 
 TEST_F(qvLogdLoggerLosses, WhileLossesArePendingAMessageWaitsForNothingAndIsCounted) {
   ScriptedLogdLogger theLogger;
-  int thePair[2];
-  ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, thePair));
-  while (send(thePair[0], "full", 4, MSG_NOSIGNAL) > 0) {
-  }
-  theLogger.mState = qvLogdLogger::State_Connected;
-  theLogger.mSocket = thePair[0];
+  int thePeer = ConnectToFullPeer(theLogger);
   theLogger.mLostLogs = 12;
   testing::internal::CaptureStderr();
   EXPECT_FALSE(theLogger.BeginLog(Record()));
   EXPECT_EQ(13u, theLogger.mLostLogs);
   EXPECT_EQ("", testing::internal::GetCapturedStderr());
   EXPECT_TRUE(theLogger.mSent.empty());
-  close(thePair[1]);
+  close(thePeer);
 }
 
 // --- Messages that another logger takes ---
@@ -258,36 +264,26 @@ TEST_F(qvLogdLoggerLosses, TheBufferDoesNotGrowWhileNoDaemonListens) {
 
 TEST_F(qvLogdLoggerLosses, ARefusedMessageOfAFullConnectionIsNotSentWhenItDrainsMeanwhile) {
   ScriptedLogdLogger theLogger;
-  int thePair[2];
-  ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, thePair));
-  while (send(thePair[0], "full", 4, MSG_NOSIGNAL) > 0) {
-  }
-  theLogger.mState = qvLogdLogger::State_Connected;
-  theLogger.mSocket = thePair[0];
+  int thePeer = ConnectToFullPeer(theLogger);
   theLogger.mLostLogs = 12;
   EXPECT_FALSE(theLogger.BeginLog(Record()));
   theLogger.Append_S(Record(), "abc\n", 4);
   theLogger.EndLog(Record());
   EXPECT_THAT(theLogger.mSent, ElementsAre("\nLOST: 13\n")) << "the message is one of them";
   EXPECT_EQ(0u, theLogger.mLostLogs);
-  close(thePair[1]);
+  close(thePeer);
 }
 
 TEST_F(qvLogdLoggerLosses, TheEndOfARefusedMessageCountsItWhileItsReportCannotBeSent) {
   ScriptedLogdLogger theLogger;
-  int thePair[2];
-  ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, thePair));
-  while (send(thePair[0], "full", 4, MSG_NOSIGNAL) > 0) {
-  }
-  theLogger.mState = qvLogdLogger::State_Connected;
-  theLogger.mSocket = thePair[0];
+  int thePeer = ConnectToFullPeer(theLogger);
   theLogger.mLostLogs = 12;
   EXPECT_FALSE(theLogger.BeginLog(Record()));
   theLogger.mResults = {{-1, EAGAIN}};
   theLogger.EndLog(Record());
   EXPECT_THAT(theLogger.mSent, ElementsAre("\nLOST: 13\n"));
   EXPECT_EQ(14u, theLogger.mLostLogs);
-  close(thePair[1]);
+  close(thePeer);
 }
 
 // --- The buffer ---

@@ -257,6 +257,7 @@ TEST(qvWStringAppend, StringItselfOrItsEndMayBeTheText) {
   qvWString_Truncate(theString, 3);
   theString.Append(theString + 1);
   ExpectString(L"abcbc", 7, theString);
+  sfAlwaysMoves = false;
 }
 
 TEST(qvWStringPrepend, MakesANewStringOfBothTexts) {
