@@ -17,6 +17,9 @@
 #include "../support/Crashes.h"
 #include "qvOS/qvThread.h"
 
+// The thread sanitizer's reports of what the handler does would take seconds of the trace's time limit.
+extern "C" const char* __tsan_default_options() { return "report_signal_unsafe=0"; }
+
 static const int kSignals[] = {SIGSEGV, SIGILL, SIGBUS, SIGABRT, SIGFPE};
 static const int kMaxChildren = 100;
 static const time_t kTimeLimit = 15;  // seconds

@@ -13,6 +13,10 @@
 #include "support/Sanitizers.h"
 #include "support/ScratchFolder.h"
 
+// The handler does what no signal handler should, knowingly: the process is lost anyway. The report of each
+// such call would be resolved to lines for seconds, while the time limit of the trace runs.
+extern "C" const char* __tsan_default_options() { return "report_signal_unsafe=0"; }
+
 namespace {
 
 template <int kSignal>
