@@ -96,10 +96,10 @@ TEST(qvThreadCrash, EveryThreadInstallsHandlersForFiveSignalsUnlessSwitchedOff) 
   EXPECT_EQ("default: 4 6 7 8 11\noff:\non: 4 6 7 8 11\n", theResult.mStdout);
 }
 
-// Twenty crashes, two of them with the allocator's lock held. The sanitizers, which have an allocator of
-// their own, take a second for each trace, so fewer at a time there.
+// Of twenty crashes two come with the allocator's lock held, except under the sanitizers, which have an
+// allocator of their own.
 TEST(qvThreadCrash, NoCrashHangsEvenWithTheAllocatorsLockHeld) {
-  ChildResult theResult = RunProgram(TestProgramPath("crash_storm"), {kSanitized ? "5" : "20"});
+  ChildResult theResult = RunProgram(TestProgramPath("crash_storm"), {"20"});
   EXPECT_EQ(0, theResult.mExitCode) << theResult.mStdout;
 }
 
