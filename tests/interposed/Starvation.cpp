@@ -9,6 +9,8 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -32,6 +34,7 @@ constexpr long kSlow = 1;              // seconds of a child
 constexpr unsigned kFirstGapBits = 5;  // with each slow child, the gaps double up to the index itself
 constexpr size_t kTextSize = 200;
 constexpr size_t kThreadWords = 256;  // of the description of a thread, among which its number is
+constexpr int kDescriptors = 64;      // more than any test has open
 
 StarvationReport* sReport = nullptr;
 size_t sFirstPoints = 0;  // of a sample; 0: all points are tried
@@ -88,8 +91,7 @@ void Judge(int aStatus, int anOutput, int anError, const char* aKind, size_t aSi
   char theError[kTextSize];
   ReadStart(anOutput, theOutput);
   ReadStart(anError, theError);
-  // Another thread may have held a lock of the C library when the child was split off, or it waits for a peer
-  // that only the parent has.
+  // Another thread may have held a lock of the C library when the child was split off.
   if (WIFSIGNALED(aStatus) && WTERMSIG(aStatus) == SIGALRM) {
     return;
   }
@@ -126,6 +128,28 @@ long Seconds() {
   return theNow.tv_sec;
 }
 
+// The test's peers hear nothing of a child: its last words would be taken for the test's, and where nobody
+// reads, they would fill what the test is about to write to.
+void LeavePeers() {
+  const int theNowhere = static_cast<int>(syscall(SYS_socket, AF_INET, SOCK_STREAM, 0));
+  for (int theFile = STDERR_FILENO + 1; theFile < kDescriptors; ++theFile) {
+    int theType = 0;
+    socklen_t theSize = sizeof(theType);
+    if (theFile != theNowhere &&
+        syscall(SYS_getsockopt, theFile, SOL_SOCKET, SO_TYPE, &theType, &theSize) == 0) {
+      syscall(SYS_dup3, theNowhere, theFile, O_CLOEXEC);
+    }
+  }
+}
+
+// A test may allow files of a few bytes, and a child that is to be judged writes more.
+void LiftFileSizeLimit() {
+  struct rlimit64 theLimit = {};
+  syscall(SYS_prlimit64, 0, RLIMIT_FSIZE, nullptr, &theLimit);
+  theLimit.rlim_cur = theLimit.rlim_max;
+  syscall(SYS_prlimit64, 0, RLIMIT_FSIZE, &theLimit, nullptr);
+}
+
 // True in the child in which the allocation is to fail.
 bool TryPoint(bool afFromNowOn, const char* aKind, size_t aSize) {
   const int theErrno = errno;
@@ -140,6 +164,8 @@ bool TryPoint(bool afFromNowOn, const char* aKind, size_t aSize) {
     TakeOverNumber(theWords, theThread);
     syscall(SYS_dup3, theOutput, STDOUT_FILENO, 0);
     syscall(SYS_dup3, theError, STDERR_FILENO, 0);
+    LeavePeers();
+    LiftFileSizeLimit();
     __fpurge(stdout);
     if (StopPlannedCalls != nullptr) {
       StopPlannedCalls();
@@ -221,6 +247,15 @@ void* qvStarved_new(size_t aSize) { return FailsHere("new", aSize) ? nullptr : o
 
 void* qvStarved_newNothrow(size_t aSize, const std::nothrow_t& aTag) {
   return FailsHere("new", aSize) ? nullptr : operator new(aSize, aTag);
+}
+
+// The sockets that a starved child makes do not reach a peer either. A test may have its own.
+__attribute__((weak)) int connect(int aSocket, const struct sockaddr* anAddress, socklen_t aSize) {
+  if (sfStarved && sReport != nullptr) {
+    errno = ECONNREFUSED;
+    return -1;
+  }
+  return static_cast<int>(syscall(SYS_connect, aSocket, anAddress, aSize));
 }
 
 // When all memory is gone, it is gone for the C library too. The sanitizers' allocators cannot be replaced.
