@@ -287,7 +287,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aLength) {
   Message theMessages[2] = {TakeMessage(&theInput), TakeMessage(&theInput)};
   bool thePopulateFlag = theInput.Byte() % 8 == 7;
   std::string theReadOnly = thePopulateFlag ? "" : kNoPopulating;
-  theReadOnly += SettingsModel::LoadablePart(theInput.Text());
+  theReadOnly += theInput.Text();
+  theReadOnly.resize(SettingsModel::LoadablePart(theReadOnly).size());
   std::string theReadWrite(SettingsModel::LoadablePart(theInput.Text()));
   theMessages[0].mText = theInput.Text();
   theMessages[1].mText = theInput.Rest();
